@@ -1,0 +1,55 @@
+// The brain that every request carries: rule store, data-model information and
+// logger, either borrowed from the process-wide instances or owned privately.
+#ifndef TOV_TOVCOREDATACONTROLLERS_H_
+#define TOV_TOVCOREDATACONTROLLERS_H_
+
+#include <string>
+
+#include "tov/export.h"
+
+class TOVLifecycleBusinessRules;
+class TOV_DMStructure;
+class TOVLogger;
+
+class TOV_API TOVCoreDataControllers {
+  public:
+    // All three pointers null; owns nothing.
+    TOVCoreDataControllers();
+    TOVCoreDataControllers(const TOVCoreDataControllers& other) = default;
+    // Copies all four fields as they stand, the ownership flag included, and
+    // releases nothing: only one of two owning copies may be destroyed.
+    TOVCoreDataControllers& operator=(const TOVCoreDataControllers& other) = default;
+    ~TOVCoreDataControllers();
+
+    // Shares the process-wide instances, which are never freed.
+    void initializeFromStatics();
+    // Creates a private, empty set that this record owns and frees.
+    void initializeByMalloc();
+    // Copies the pointers of `other` (not null) without owning them.
+    void borrowData(TOVCoreDataControllers* other);
+    // Frees an owned set; always leaves the record null and not owning.
+    void clearContents();
+
+    TOVLifecycleBusinessRules* getRules();
+    TOV_DMStructure* getDmInfo();
+    TOVLogger* getLogger();
+
+  private:
+    TOVLifecycleBusinessRules* rules;
+    TOV_DMStructure* dmInfo;
+    TOVLogger* logger;
+    bool ownsData;
+};
+
+// The process-wide instances, created empty on first use and never deleted.
+// First use is unguarded: make it from one thread.
+TOV_API TOVLifecycleBusinessRules* getTOVMainInstance();
+TOV_API TOV_DMStructure* getTOVDMInfoMainInstance();
+TOV_API TOVLogger* getTOVLoggerMainInstance();
+
+// Sets where `coreData`'s logger writes: a folder, "console", or "" for nowhere.
+// Returns the path of the current log file.
+TOV_API std::string setTOVLoggingFolder(const std::string& folder,
+                                        TOVCoreDataControllers* coreData);
+
+#endif  // TOV_TOVCOREDATACONTROLLERS_H_

@@ -1,0 +1,27 @@
+#!/bin/sh
+# Installs the Debian packages that building and testing tov needs. As root it
+# installs what is missing; otherwise it prints the command to run.
+set -eu
+
+PACKAGES="cmake ninja-build g++ clang pkg-config rapidjson-dev libgtest-dev libgmock-dev \
+libbenchmark-dev libcli11-dev"
+
+missing=""
+for package in $PACKAGES; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing="$missing $package"
+    fi
+done
+
+if [ -z "$missing" ]; then
+    exit 0
+fi
+
+if [ "$(id -u)" -eq 0 ]; then
+    apt-get update
+    DEBIAN_FRONTEND=noninteractive apt-get install -y $missing
+else
+    echo "Missing Debian packages. Install them with:" >&2
+    echo "  sudo apt-get install -y$missing" >&2
+    exit 1
+fi

@@ -1,0 +1,73 @@
+#include "tov/attribute_packets.h"
+
+#include "tov/string_helpers.h"
+
+TOVUpdateFileValues getThisPacketFileUpdatingValue(const AttributesMap& packet) {
+    std::string value;
+    if (!getValueofKeywordFromStringStringMap(TOVAttrItemName_DoesUploadFile, packet, value)) {
+        return TOVUpdateFile_NotApplicable;
+    }
+    if (areStringsEqualSimple(value, TOVAttrItemValue_Any) ||
+        areStringsEqualSimple(value, TOVAttrItemValue_N_A)) {
+        return TOVUpdateFile_NotApplicable;
+    }
+    if (areStringsEqualSimple(value, TOVAttrItemValue_True) ||
+        areStringsEqualSimple(value, TOVAttrItemValue_YES)) {
+        return TOVUpdateFile_Yes;
+    }
+    if (areStringsEqualSimple(value, TOVAttrItemValue_False) ||
+        areStringsEqualSimple(value, TOVAttrItemValue_NO)) {
+        return TOVUpdateFile_No;
+    }
+    return TOVUpdateFile_NotApplicable;
+}
+
+void setThisPacketFileUpdatingValue(AttributesMap& packet, bool updatesFile) {
+    packet[TOVAttrItemName_DoesUploadFile] =
+        updatesFile ? TOVAttrItemValue_True : TOVAttrItemValue_False;
+}
+
+std::string getTOVServerIdFromAttributesMap(const AttributesMap& packet) {
+    std::string serverId;
+    getValueofKeywordFromStringStringMap(TOVAttrItemKeyword_ServerId, packet, serverId);
+    return serverId;
+}
+
+void setTOVServerIdIntoAttributesMap(const std::string& serverId, AttributesMap& packet) {
+    packet[TOVAttrItemKeyword_ServerId] = serverId;
+}
+
+bool getWhichOfKeysHaveDifferentValuesInPackets(const std::vector<std::string>& keys,
+                                                const AttributesMap& first,
+                                                const AttributesMap& second, bool anyAware,
+                                                std::vector<std::string>& differing) {
+    bool found = false;
+    for (const std::string& key : keys) {
+        const auto inFirst = first.find(key);
+        if (inFirst == first.end()) {
+            continue;
+        }
+        const auto inSecond = second.find(key);
+        if (inSecond == second.end()) {
+            continue;
+        }
+        if (areStringsEqualSimple(inFirst->second, inSecond->second)) {
+            continue;
+        }
+        if (anyAware && (isThisTheReservedAnyValue(inFirst->second) ||
+                         isThisTheReservedAnyValue(inSecond->second))) {
+            continue;
+        }
+        differing.push_back(key);
+        found = true;
+    }
+    return found;
+}
+
+bool getWhichKeysHaveDifferentValuesInPackets(const AttributesMap& first,
+                                              const AttributesMap& second, bool anyAware,
+                                              std::vector<std::string>& differing) {
+    const AttributesMap& smaller = first.size() >= second.size() ? second : first;
+    return getWhichOfKeysHaveDifferentValuesInPackets(getKeysOfMap(smaller), first, second,
+                                                      anyAware, differing);
+}

@@ -1,0 +1,255 @@
+#include "tov/string_helpers.h"
+
+#include <cctype>
+
+#include "foundation/compare.h"
+
+namespace {
+
+// tolower is only defined for values an unsigned char can hold; bytes beyond
+// ASCII have no case to fold in the byte-wise comparison anyway.
+int foldByte(char byte) {
+    const int value = static_cast<signed char>(byte);
+    return value < 0 ? value : std::tolower(value);
+}
+
+bool isWhiteSpace(char byte) {
+    return std::isspace(static_cast<unsigned char>(byte)) != 0;
+}
+
+std::string textUpToFirstNul(const char* text) {
+    return text == nullptr ? std::string() : text;
+}
+
+}  // namespace
+
+int compareStringsIgnoringCase(const std::string& first, const std::string& second) {
+    // Length decides first; only the sign matters, so huge lengths cannot wrap to zero.
+    if (first.size() != second.size()) {
+        return first.size() < second.size() ? -1 : 1;
+    }
+    int difference = 0;
+    for (std::string::size_type i = 0; i < first.size(); ++i) {
+        difference = foldByte(first[i]) - foldByte(second[i]);
+        if (difference != 0) {
+            break;
+        }
+    }
+    return difference;
+}
+
+bool areStringsEqualSimple(const std::string& first, const std::string& second) {
+    return compareStringsIgnoringCase(first, second) == 0;
+}
+
+bool areStringsEqualAccountingAlsoAnyValue(const std::string& first, const std::string& second) {
+    return areStringsEqualSimple(first, second) || isThisTheReservedAnyValue(first) ||
+           isThisTheReservedAnyValue(second);
+}
+
+bool isThisTheReservedAnyValue(const std::string& value) {
+    return areStringsEqualSimple(value, TOVAttrItemValue_Any);
+}
+
+bool isThisTheReservedResetValue(const std::string& value) {
+    return areStringsEqualSimple(value, TOVAttrItemValue_Reset);
+}
+
+bool isThisTheLogToConsoleKeyword(const char* text) {
+    return areStringsEqualSimple(text, TOVLoggingKeyword);
+}
+
+bool changeAllToAny(std::string& objectType) {
+    if (!areStringsEqualSimple(objectType, TOVAttrItemValue_ALL)) {
+        return false;
+    }
+    objectType = TOVAttrItemValue_Any;
+    return true;
+}
+
+bool getValueofKeywordFromStringStringMap(const std::string& key, const AttributesMap& attributes,
+                                          std::string& value) {
+    const auto found = attributes.find(key);
+    if (found == attributes.end()) {
+        return false;
+    }
+    value = found->second;
+    return true;
+}
+
+std::vector<std::string> getKeysOfMap(const AttributesMap& attributes) {
+    std::vector<std::string> keys;
+    keys.reserve(attributes.size());
+    for (const auto& entry : attributes) {
+        keys.push_back(entry.first);
+    }
+    return keys;
+}
+
+std::string addEnclosingCurlyBracketsToString(const char* text) {
+    return "{" + textUpToFirstNul(text) + "}";
+}
+
+std::string createStringInQuotes(const char* text) {
+    return "\"" + textUpToFirstNul(text) + "\"";
+}
+
+namespace {
+
+template <typename Strings>
+std::string joinIntoBracketedList(const Strings& strings) {
+    if (strings.empty()) {
+        return std::string();
+    }
+    std::string text = "[";
+    bool first = true;
+    for (const std::string& element : strings) {
+        if (!first) {
+            text += ',';
+        }
+        text += element;
+        first = false;
+    }
+    text += ']';
+    return text;
+}
+
+}  // namespace
+
+std::string createCommaSeparatedListOfStrings(const std::vector<std::string>& list) {
+    return joinIntoBracketedList(list);
+}
+
+std::string createCommaSeparatedSetOfStrings(const std::set<std::string>& set) {
+    return joinIntoBracketedList(set);
+}
+
+std::string createCommaSeparatedStringStringMap(const std::map<std::string, std::string>& map) {
+    std::string text = "{";
+    bool first = true;
+    for (const auto& entry : map) {
+        if (!first) {
+            text += ", ";
+        }
+        text += entry.first.c_str();
+        text += ':';
+        text += entry.second.c_str();
+        first = false;
+    }
+    text += '}';
+    return text;
+}
+
+std::string removeEnclosingCharacters(const std::string& text, char opening, char closing) {
+    std::string result = text;
+    if (result.size() < 2) {
+        return result;
+    }
+    if (result.front() == opening) {
+        result.erase(0, 1);
+    }
+    if (!result.empty() && result.back() == closing) {
+        result.pop_back();
+    }
+    return result;
+}
+
+std::string removeEnclosingCurlyBracketsFromString(const std::string& text) {
+    return removeEnclosingCharacters(text, '{', '}');
+}
+
+std::string removeEnclosingSquareBracketsFromString(const std::string& text) {
+    return removeEnclosingCharacters(text, '[', ']');
+}
+
+std::string removeEnclosingQuotesFromString(const std::string& text) {
+    return removeEnclosingCharacters(text, '"', '"');
+}
+
+bool createVectorFromCommaSeparatedListOfStrings(const std::string& text,
+                                                 std::vector<std::string>& list) {
+    std::string token;
+    for (const char c : text) {
+        if (c == '[') {
+            continue;
+        }
+        if (c == ',' || c == ']') {
+            list.push_back(removeEnclosingQuotesFromString(token));
+            token.clear();
+            if (c == ']') {
+                break;
+            }
+            continue;
+        }
+        token += c;
+    }
+    // A token still in hand had no closing bracket: it is dropped on purpose.
+    return !list.empty();
+}
+
+bool createSetFromCommaSeparatedListOfStrings(const std::string& text, std::set<std::string>& set) {
+    std::vector<std::string> list;
+    const bool found = createVectorFromCommaSeparatedListOfStrings(text, list);
+    if (found) {
+        set.insert(list.begin(), list.end());
+    }
+    return found;
+}
+
+namespace {
+
+bool commitPair(const std::string& key, const std::string& value, AttributesMap& map) {
+    const std::string bareKey = removeEnclosingQuotesFromString(key);
+    const std::string bareValue = removeEnclosingQuotesFromString(value);
+    if (bareKey.empty() || bareValue.empty()) {
+        return false;
+    }
+    map[bareKey] = bareValue;
+    return true;
+}
+
+}  // namespace
+
+bool createStringStringMapFromCommaSeparatedString(const std::string& text, AttributesMap& map) {
+    std::string key;
+    std::string value;
+    std::string* current = &key;
+    for (const char c : text) {
+        if (c == '{') {
+            current = &key;
+        } else if (c == ':') {
+            current = &value;
+        } else if (c == ',' && !value.empty()) {
+            if (!commitPair(key, value, map)) {
+                return false;
+            }
+            key.clear();
+            value.clear();
+            current = &key;
+        } else if (c == '}') {
+            return commitPair(key, value, map);
+        } else if (!(current->empty() && isWhiteSpace(c))) {
+            *current += c;
+        }
+    }
+    // A pair still in hand had no closing brace: it is dropped on purpose.
+    return true;
+}
+
+void finishPreviousSentenceAndAppendAnother(std::string& text, const std::string& sentence) {
+    if (text.empty()) {
+        text += sentence;
+    } else if (text.back() == '.') {
+        text += ' ';
+        text += sentence;
+    } else {
+        text += ". ";
+        text += sentence;
+    }
+}
+
+void appendSlashOrBackSlashIfNecessary(std::string& path) {
+    if (path.empty() || path.back() != '\\') {
+        path += '\\';
+    }
+}

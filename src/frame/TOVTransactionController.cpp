@@ -1,0 +1,50 @@
+#include "tov/TOVTransactionController.h"
+
+#include "tov/TOVActionController.h"
+
+TOVTransactionController::TOVTransactionController(TOVFunctionality functionality,
+                                                   std::map<std::string, std::string>& labeledInput,
+                                                   TOVCoreDataControllers* coreData)
+    : actionController(nullptr) {
+    initializeProperController(functionality, labeledInput, coreData);
+}
+
+TOVTransactionController& TOVTransactionController::operator=(
+    const TOVTransactionController& other) {
+    actionController = other.actionController;
+    return *this;
+}
+
+TOVTransactionController::~TOVTransactionController() {
+    destroyProperController();
+}
+
+TOVResponse TOVTransactionController::executeTransaction() {
+    TOVActionController* controller = getActionController();
+    if (controller == nullptr) {
+        return TOVResponse();
+    }
+    TOVResponse response = controller->evaluateAndRespond();
+    response.printContentsDBG(controller->getLifecycleLogger());
+    response.printContentsForJNIDBG(controller->getLifecycleLogger());
+    return response;
+}
+
+bool TOVTransactionController::hasController() const {
+    return actionController != nullptr;
+}
+
+void TOVTransactionController::initializeProperController(
+    TOVFunctionality functionality, std::map<std::string, std::string>& labeledInput,
+    TOVCoreDataControllers* coreData) {
+    actionController = createProperController(functionality, labeledInput, coreData);
+}
+
+void TOVTransactionController::destroyProperController() {
+    delete actionController;
+    actionController = nullptr;
+}
+
+TOVActionController* TOVTransactionController::getActionController() {
+    return actionController;
+}

@@ -1,0 +1,28 @@
+#include "frame/TOVVemoFrontdesk.h"
+
+#include "tov/TOVTransactionController.h"
+
+TOVVemoFrontdesk::TOVVemoFrontdesk(TOVFunctionality functionality) : TOVFrontdesk(functionality) {}
+
+TOVVemoFrontdesk::~TOVVemoFrontdesk() = default;
+
+void TOVVemoFrontdesk::serveLabeledInput() {
+    TOVTransactionController transaction(getFunctionalityIdentifier(), getLabeledInput(),
+                                         getTOVBrain());
+    // Without a controller there is nothing to run: the response stays as it is.
+    if (transaction.hasController()) {
+        response = transaction.executeTransaction();
+    }
+}
+
+void TOVVemoFrontdesk::borrowData(TOVCoreDataControllers* coreData) {
+    getTOVBrain()->borrowData(coreData);
+}
+
+const TOVResponse& TOVVemoFrontdesk::getResponse() const {
+    return response;
+}
+
+void TOVVemoFrontdesk::printResponseToLog(const char* title, const TOVResponse& result) {
+    printTitledStringToLog(title, result.turnResponseIntoASingleString());
+}

@@ -1,0 +1,26 @@
+#ifndef TOV_FRAME_TOVVEMOFRONTDESK_H_
+#define TOV_FRAME_TOVVEMOFRONTDESK_H_
+
+#include "tov/TOVFrontdesk.h"
+#include "tov/TOVResponse.h"
+
+// The one concrete front desk: serves its labelled input through a transaction
+// and keeps the response.
+class TOVVemoFrontdesk : public TOVFrontdesk {
+  public:
+    explicit TOVVemoFrontdesk(TOVFunctionality functionality);
+    ~TOVVemoFrontdesk();
+
+    void serveLabeledInput() override;
+
+    // Points the front desk at the caller's core data without owning it.
+    void borrowData(TOVCoreDataControllers* coreData);
+    const TOVResponse& getResponse() const;
+    // Logs the title followed by the response's single string in quotes.
+    void printResponseToLog(const char* title, const TOVResponse& response);
+
+  private:
+    TOVResponse response;
+};
+
+#endif  // TOV_FRAME_TOVVEMOFRONTDESK_H_

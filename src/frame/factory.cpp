@@ -1,0 +1,20 @@
+#include <string>
+
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVLogger.h"
+#include "tov/TOVTransactionController.h"
+
+TOVActionController* createProperController(TOVFunctionality functionality,
+                                            std::map<std::string, std::string> /*labeledInput*/,
+                                            TOVCoreDataControllers* coreData) {
+    switch (functionality) {
+        default: {
+            // A functionality without a controller is a programmer's error.
+            const std::string message = "ATTENTION!!! YOU FORGOT TO ADD " +
+                                        std::to_string(static_cast<std::int32_t>(functionality)) +
+                                        " IN THE FACTORY!!";
+            coreData->getLogger()->printToLog(message.c_str());
+            return nullptr;
+        }
+    }
+}

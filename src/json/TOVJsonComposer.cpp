@@ -1,0 +1,193 @@
+#include "tov/TOVJsonComposer.h"
+
+#include <cctype>
+#include <cstring>
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include "json/TOVJsonDocumentWriter.h"
+#include "tov/TOVResponse.h"
+
+namespace {
+
+bool isWhiteSpace(char byte) {
+    return std::isspace(static_cast<unsigned char>(byte)) != 0;
+}
+
+// A JSON string value copied into the document, up to the text's first NUL.
+rapidjson::Value makeStringValue(const std::string& text,
+                                 rapidjson::Document::AllocatorType& allocator) {
+    const char* bytes = text.c_str();
+    return rapidjson::Value(bytes, static_cast<rapidjson::SizeType>(std::strlen(bytes)), allocator);
+}
+
+}  // namespace
+
+std::string TOVJsonComposer::createJsonFromStringStringMap(
+    const std::map<std::string, std::string>& map) const {
+    rapidjson::Document document;
+    document.SetObject();
+    TOVJsonDocumentWriter::addNamesValuesToJsonDoc(map, document, document.GetAllocator());
+    return TOVJsonDocumentWriter::createStringFromJsonDocument(document);
+}
+
+std::string TOVJsonComposer::createJsonResponseFromClass(const TOVResponse* response) const {
+    return createJsonFromStringStringMap(response->getStringStringMapResponseWithGeneralResult());
+}
+
+std::string TOVJsonComposer::getSanitizedStringForJsonDoc(const std::string& text) {
+    std::string copy = text;
+    simplifyAnStdString(copy);
+    return copy;
+}
+
+void TOVJsonComposer::simplifyAnStdString(std::string& text) {
+    removeHeadSpaces(text);
+    removeTailSpaces(text);
+    std::string simplified;
+    simplified.reserve(text.size());
+    bool inRun = false;
+    for (const char c : text) {
+        if (isWhiteSpace(c)) {
+            if (!inRun) {
+                simplified += ' ';
+            }
+            inRun = true;
+        } else {
+            simplified += c;
+            inRun = false;
+        }
+    }
+    text.swap(simplified);
+}
+
+void TOVJsonComposer::removeHeadSpaces(std::string& text) {
+    std::string::size_type count = 0;
+    while (count < text.size() && isWhiteSpace(text[count])) {
+        ++count;
+    }
+    text.erase(0, count);
+}
+
+void TOVJsonComposer::removeTailSpaces(std::string& text) {
+    std::string::size_type end = text.size();
+    while (end > 0 && isWhiteSpace(text[end - 1])) {
+        --end;
+    }
+    text.erase(end);
+}
+
+void TOVJsonDocumentWriter::addNamesValuesToJsonDoc(const std::map<std::string, std::string>& map,
+                                                    rapidjson::Value& parent,
+                                                    rapidjson::Document::AllocatorType& allocator) {
+    for (const auto& entry : map) {
+        addNameValueToJsonDoc(entry.first, entry.second, parent, allocator);
+    }
+}
+
+void TOVJsonDocumentWriter::addNameValueToJsonDoc(const std::string& name, const std::string& value,
+                                                  rapidjson::Value& parent,
+                                                  rapidjson::Document::AllocatorType& allocator) {
+    const std::string sanitizedName = TOVJsonComposer::getSanitizedStringForJsonDoc(name);
+    const std::string sanitizedValue = TOVJsonComposer::getSanitizedStringForJsonDoc(value);
+    // Values are written as strings whatever they look like, so no attempt is
+    // made to read them as JSON.
+    rapidjson::Value jsonName = makeStringValue(sanitizedName, allocator);
+    rapidjson::Value jsonValue = makeStringValue(sanitizedValue, allocator);
+    parent.AddMember(jsonName, jsonValue, allocator);
+}
+
+std::string TOVJsonDocumentWriter::createStringFromJsonDocument(
+    const rapidjson::Document& document) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+    document.Accept(writer);
+    return std::string(buffer.GetString(), buffer.GetSize());
+}
+
+std::string turnStringStringMapIntoJsonString(const std::map<std::string, std::string>& map) {
+    return TOVJsonComposer().createJsonFromStringStringMap(map);
+}
+
+namespace {
+
+// "objectType", "initialAttributes" and "targetAttributes" on the root object.
+void addTransitionMembers(const std::string& objectType, const AttributesMap& initial,
+                          const AttributesMap& target, rapidjson::Document& document) {
+    auto& allocator = document.GetAllocator();
+    rapidjson::Value initialObject(rapidjson::kObjectType);
+    TOVJsonDocumentWriter::addNamesValuesToJsonDoc(initial, initialObject, allocator);
+    rapidjson::Value targetObject(rapidjson::kObjectType);
+    TOVJsonDocumentWriter::addNamesValuesToJsonDoc(target, targetObject, allocator);
+    // The object type is written as it stands, not sanitized.
+    document.AddMember(rapidjson::StringRef(TOVTransitionJson_ObjectType),
+                       makeStringValue(objectType, allocator), allocator);
+    document.AddMember(rapidjson::StringRef(TOVTransitionJson_InitialAttributes), initialObject,
+                       allocator);
+    document.AddMember(rapidjson::StringRef(TOVTransitionJson_TargetAttributes), targetObject,
+                       allocator);
+}
+
+rapidjson::Value makeLinkEnd(const std::string& objectType, const AttributesMap& attributes,
+                             rapidjson::Document::AllocatorType& allocator) {
+    rapidjson::Value end(rapidjson::kObjectType);
+    rapidjson::Value attributesObject(rapidjson::kObjectType);
+    TOVJsonDocumentWriter::addNamesValuesToJsonDoc(attributes, attributesObject, allocator);
+    end.AddMember(rapidjson::StringRef(TOVTransitionJson_ObjectType),
+                  makeStringValue(objectType, allocator), allocator);
+    end.AddMember(rapidjson::StringRef(TOVManualLinksJson_Attributes), attributesObject, allocator);
+    return end;
+}
+
+}  // namespace
+
+int composeSimpleTransitionJson(const std::string& objectType,
+                                const AttributesMap& initialAttributes,
+                                const AttributesMap& targetAttributes, std::string& json) {
+    if (objectType.empty() || targetAttributes.empty()) {
+        return 0;
+    }
+    rapidjson::Document document;
+    document.SetObject();
+    addTransitionMembers(objectType, initialAttributes, targetAttributes, document);
+    json = TOVJsonDocumentWriter::createStringFromJsonDocument(document);
+    return 1;
+}
+
+int composeConflictResolutionsOptionsJson(const std::string& objectType,
+                                          const AttributesMap& initialAttributes,
+                                          const AttributesMap& targetAttributes,
+                                          bool uploadsRepresentationFile, std::string& json) {
+    if (objectType.empty() || initialAttributes.empty() || targetAttributes.empty()) {
+        return 0;
+    }
+    rapidjson::Document document;
+    document.SetObject();
+    addTransitionMembers(objectType, initialAttributes, targetAttributes, document);
+    document.AddMember(rapidjson::StringRef(TOVConflictJson_UploadsRepresentationFile),
+                       rapidjson::Value(uploadsRepresentationFile), document.GetAllocator());
+    json = TOVJsonDocumentWriter::createStringFromJsonDocument(document);
+    return 1;
+}
+
+int composeSimpleManualLinkEvaluationJson(const std::string& ancestorObjectType,
+                                          const AttributesMap& ancestorAttributes,
+                                          const std::string& descendantObjectType,
+                                          const AttributesMap& descendantAttributes,
+                                          std::string& json) {
+    if (ancestorObjectType.empty() || ancestorAttributes.empty() || descendantObjectType.empty() ||
+        descendantAttributes.empty()) {
+        return 0;
+    }
+    rapidjson::Document document;
+    document.SetObject();
+    auto& allocator = document.GetAllocator();
+    document.AddMember(rapidjson::StringRef(TOVManualLinksJson_Ancestor),
+                       makeLinkEnd(ancestorObjectType, ancestorAttributes, allocator), allocator);
+    document.AddMember(rapidjson::StringRef(TOVManualLinksJsonDescendant),
+                       makeLinkEnd(descendantObjectType, descendantAttributes, allocator),
+                       allocator);
+    json = TOVJsonDocumentWriter::createStringFromJsonDocument(document);
+    return 1;
+}

@@ -1,0 +1,85 @@
+// Base of every input parser: loads JSON into a document, offers typed access
+// to members, and collects error messages instead of throwing.
+#ifndef TOV_JSON_TOVJSONPARSER_H_
+#define TOV_JSON_TOVJSONPARSER_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "tov/vocabulary.h"
+
+class TOVJsonParser {
+  public:
+    TOVJsonParser();
+    TOVJsonParser(const TOVJsonParser& other) = default;
+    TOVJsonParser& operator=(const TOVJsonParser& other) = default;
+    virtual ~TOVJsonParser();
+
+    // Every message so far, joined by "|".
+    std::string getParsingErrorComment() const;
+    bool getParsingResult() const;
+
+  protected:
+    // The name that starts each message; "Lifecycle Business" unless overridden.
+    virtual std::string getRuleName();
+    // The keywords a rule must have, in their fixed order; none here.
+    virtual void getAllNecessaryKeywords(std::vector<std::string>& keywords);
+
+    // Both give true only for a parsed document whose root is an object; otherwise
+    // the comment becomes "Json has fundamental parsing error".
+    bool fillJsonDocumentFromJsonFile(const std::string& path, rapidjson::Document& document);
+    bool fillJsonDocumentFromJsonString(const std::string& text, rapidjson::Document& document);
+
+    // Each moves a present member into `out`, leaving a null behind, and says
+    // whether it had the wanted type. A member can thus be fetched only once.
+    bool getJsonSection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
+    bool getJsonArraySection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
+    bool getJsonBoolSection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
+    bool getJsonStringSection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
+
+    bool collectBoolFromValue(const rapidjson::Value& value, bool& out);
+    bool collectStringFromValue(const rapidjson::Value& value, std::string& out);
+    bool getStringNamesValuesPair(rapidjson::Value::ConstMemberIterator member, std::string& name,
+                                  std::string& value);
+    bool collectStringsFromArray(const rapidjson::Value& value, std::vector<std::string>& out);
+    // Inserts every string member; stops with false at the first member that is
+    // not a string, keeping what came before.
+    bool collectKeyValuesPairsFromSection(const rapidjson::Value& section, AttributesMap& map);
+
+    char getCommentSeparator() const;
+    void appendToParsingErrorComment(const char* text);
+    void setParsingErrorComment(const char* text);
+    void setParsingResult(bool result);
+    // ANDs into the result, which therefore never goes back to true.
+    void updateParsingResult(bool result);
+
+    // Message composers; none of them touches the result.
+    void setAttributeValueBoolParsingError(const std::string& owner, const std::string& attribute);
+    void setAttributeValueStringParsingError(const std::string& owner,
+                                             const std::string& attribute);
+    void setAttributeValuesStringListParsingError(const std::string& owner,
+                                                  const std::string& attribute);
+    void setErrorParsingTheKeysValuesMapOfAttribute(const std::string& attribute);
+    void setImmediateContentsShouldBeMapParsingError();
+    void setJsonSectionNotAListError(const std::string& section);
+    void setJsonSectionNotAMapError(const std::string& section);
+    void setNotAllNecessaryKeywordsFoundParsingError(const std::string& owner);
+    void setObjectListedRuleNotAMapError(const std::string& owner);
+    void setObjectRulesNotAListError(const std::string& owner);
+
+  private:
+    bool acceptParsedDocument(const rapidjson::Document& document);
+    // ": " behind the rule name, or " " when the name already ends in a colon.
+    std::string ruleNameWithSeparator();
+
+    std::string parsingErrorComment;
+    bool parsingResult;
+};
+
+// The one set of parse flags: the default grammar, parsed iteratively so that
+// deep nesting cannot exhaust the stack.
+constexpr unsigned kTOVParseFlags = rapidjson::kParseIterativeFlag;
+
+#endif  // TOV_JSON_TOVJSONPARSER_H_
