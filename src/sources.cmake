@@ -20,7 +20,28 @@ set(TOV_SOURCES
   json/TOVJsonComposer.cpp
   json/TOVJsonParser.cpp
   # Rules
+  rules/TOVConflictResolution.cpp
+  rules/TOVConflictResolutionRulesJsonParser.cpp
+  rules/TOVFileConstraint.cpp
+  rules/TOVFileConstraintsRulesJsonParser.cpp
+  rules/TOVHistoryLink.cpp
+  rules/TOVInitializationJsonParser.cpp
+  rules/TOVInitializerController.cpp
   rules/TOVLifecycleBusinessRules.cpp
+  rules/TOVLinkRulesJsonParsers.cpp
+  rules/TOVManualLink.cpp
+  rules/TOVTransition.cpp
+  rules/TOVTransitionFreeze.cpp
+  rules/TOVTransitionFreezeRulesJsonParser.cpp
+  rules/TOVTransitionRulesJsonParser.cpp
+  rules/TOVTrigger.cpp
+  rules/TOVTriggersRulesJsonParser.cpp
+  rules/TOVVersioningSelection.cpp
+  rules/TOVVersioningSelectionRulesJsonParser.cpp
   # Data-model information
+  dm/TOV_DMAttribute.cpp
+  dm/TOV_DMInfoInitializerController.cpp
+  dm/TOV_DMInfoJsonParsers.cpp
   dm/TOV_DMStructure.cpp
+  dm/TOV_DMStructureObject.cpp
 )

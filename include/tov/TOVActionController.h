@@ -16,7 +16,7 @@ class TOVLogger;
 class TOV_DMStructure;
 
 class TOV_API TOVActionController {
-  public:
+public:
     TOVActionController(const TOVActionController& other) = default;
     TOVActionController& operator=(const TOVActionController& other) = default;
     virtual ~TOVActionController();
@@ -29,7 +29,7 @@ class TOV_API TOVActionController {
     // The value the concrete class passed in: all four edit flavours pass 3.
     TOVFunctionality getFunctionality() const;
 
-  protected:
+protected:
     TOVActionController(TOVFunctionality functionality,
                         const std::map<std::string, std::string>& labeledInput,
                         TOVCoreDataControllers* coreData);
@@ -48,7 +48,7 @@ class TOV_API TOVActionController {
     TOVLifecycleBusinessRules* getLifecycleBusinessRules();
     TOV_DMStructure* getLifecycleDMInfo();
 
-  private:
+private:
     TOVFunctionality functionality;
     std::map<std::string, std::string> inputData;
     TOVCoreDataControllers* coreData;

@@ -12,7 +12,7 @@ class TOV_DMStructure;
 class TOVLogger;
 
 class TOV_API TOVCoreDataControllers {
-  public:
+public:
     // All three pointers null; owns nothing.
     TOVCoreDataControllers();
     TOVCoreDataControllers(const TOVCoreDataControllers& other) = default;
@@ -34,7 +34,7 @@ class TOV_API TOVCoreDataControllers {
     TOV_DMStructure* getDmInfo();
     TOVLogger* getLogger();
 
-  private:
+private:
     TOVLifecycleBusinessRules* rules;
     TOV_DMStructure* dmInfo;
     TOVLogger* logger;

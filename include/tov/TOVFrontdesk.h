@@ -11,7 +11,7 @@
 #include "tov/export.h"
 
 class TOV_API TOVFrontdesk {
-  public:
+public:
     explicit TOVFrontdesk(TOVFunctionality functionality);
     TOVFrontdesk(const TOVFrontdesk& other);
     TOVFrontdesk(TOVFrontdesk&& other) noexcept;
@@ -26,7 +26,7 @@ class TOV_API TOVFrontdesk {
     // Logs the title followed by the text in double quotes, as one message.
     void printTitledStringToLog(const char* title, const std::string& text);
 
-  protected:
+protected:
     // Not virtual: a front desk is never deleted through this class.
     ~TOVFrontdesk();
 
@@ -34,7 +34,7 @@ class TOV_API TOVFrontdesk {
     TOVCoreDataControllers* getTOVBrain();
     std::map<std::string, std::string>& getLabeledInput();
 
-  private:
+private:
     TOVFunctionality functionalityIdentifier;
     std::map<std::string, std::string> labeledInput;
     // Borrowed pointers only, so destroying the front desk frees nothing.

@@ -13,13 +13,13 @@
 class TOVResponse;
 
 class TOV_API TOVJsonComposer {
-  public:
+public:
     // One string member per entry, in key order; "{}" for an empty map.
     std::string createJsonFromStringStringMap(const std::map<std::string, std::string>& map) const;
     // The response's map with "Result", as one flat object.
     std::string createJsonResponseFromClass(const TOVResponse* response) const;
 
-  protected:
+protected:
     // A copy with `simplifyAnStdString` applied.
     static std::string getSanitizedStringForJsonDoc(const std::string& text);
     // Trims white space at both ends and turns each inner run of it into one blank.
@@ -27,7 +27,7 @@ class TOV_API TOVJsonComposer {
     static void removeHeadSpaces(std::string& text);
     static void removeTailSpaces(std::string& text);
 
-  private:
+private:
     // The internal steps that build and write rapidjson documents.
     friend class TOVJsonDocumentWriter;
 };

@@ -1,22 +1,157 @@
-// The rule store: every loaded rule, by kind, and the lookups that select the
-// rules concerning an object type and its attributes.
+// The rule store: every loaded rule, one list per kind, and the lookups that
+// select the rules concerning an object type and its attributes. The store
+// selects; each rule then judges for itself.
 #ifndef TOV_TOVLIFECYCLEBUSINESSRULES_H_
 #define TOV_TOVLIFECYCLEBUSINESSRULES_H_
 
+#include <string>
+#include <vector>
+
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOVVersioningSelection.h"
 #include "tov/export.h"
+#include "tov/vocabulary.h"
 
 class TOVLogger;
+class TOV_DMStructure;
 
 class TOV_API TOVLifecycleBusinessRules {
-  public:
+public:
     TOVLifecycleBusinessRules();
 
+    // Each setter replaces a whole list by a copy; each appender copies one rule
+    // to the end of its list.
+    void setTransitionsFreeze(const std::vector<TOVTransitionFreeze>& rules);
+    void setHistoryLinks(const std::vector<TOVHistoryLink>& rules);
+    void setManualLinks(const std::vector<TOVManualLink>& rules);
+    void setTransitions(const std::vector<TOVTransition>& rules);
+    void setFileConstraints(const std::vector<TOVFileConstraint>& rules);
+    void setVersioningAttributesSelections(const std::vector<TOVVersioningSelection>& rules);
+    void setConflictsResolutions(const std::vector<TOVConflictResolution>& rules);
+    void setTriggers(const std::vector<TOVTrigger>& rules);
+
+    void appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule);
+    void appendNewHistoryLinkRule(const TOVHistoryLink& rule);
+    void appendNewManualLinkRule(const TOVManualLink& rule);
+    void appendNewTransitionRule(const TOVTransition& rule);
+    void appendNewFileConstraintRule(const TOVFileConstraint& rule);
+    void appendNewVersioningAttrSelectionRule(const TOVVersioningSelection& rule);
+    void appendNewConflictResolutionRule(const TOVConflictResolution& rule);
+    void appendNewTriggerRule(const TOVTrigger& rule);
+
     void clearAllRules();
+    // Sorts every list by its rule's operator<. Evaluation reports the first
+    // violated rule, so the sort decides which one that is.
     void sortAllRules();
-    // True when at least one rule of any kind is loaded.
     bool existAnyRules() const;
 
-    void printContentsDBG(TOVLogger* logger);
+    // The plain lookups: rules whose object type matches `objectType` (case
+    // ignored, "<any>" and "Library_Item" understood) and whose attribute is
+    // one of `attributes` exactly. Pointers are appended in list order and stay
+    // valid until the next load; true when this call appended any.
+    bool getRelatedTransitionRules(const std::string& objectType,
+                                   const std::vector<std::string>& attributes,
+                                   const TOV_DMStructure* structure,
+                                   std::vector<const TOVTransition*>& related) const;
+    bool getRelatedTransitionFreezeRules(const std::string& objectType,
+                                         const std::vector<std::string>& attributes,
+                                         const TOV_DMStructure* structure,
+                                         std::vector<const TOVTransitionFreeze*>& related) const;
+    bool getRelatedTriggerRules(const std::string& objectType,
+                                const std::vector<std::string>& attributes,
+                                const TOV_DMStructure* structure,
+                                std::vector<const TOVTrigger*>& related) const;
+    bool getRelatedFileConstraintRules(const std::string& objectType,
+                                       const std::vector<std::string>& attributes,
+                                       const TOV_DMStructure* structure,
+                                       std::vector<const TOVFileConstraint*>& related) const;
+    bool getRelatedConflictResolutionRules(
+        const std::string& objectType, const std::vector<std::string>& attributes,
+        const TOV_DMStructure* structure, std::vector<const TOVConflictResolution*>& related) const;
+
+    // The exact lookups of link rules: as the plain lookup, and the rule's to
+    // value must match the attribute's value in `toValues`, else in
+    // `fromValues` (case ignored, "<any>" on either side). Each call logs what
+    // it looked for and how many rules the list then holds.
+    bool getRelatedHistoryLinkRulesExact(const std::string& objectType,
+                                         const std::vector<std::string>& attributes,
+                                         const AttributesMap& fromValues,
+                                         const AttributesMap& toValues,
+                                         const TOV_DMStructure* structure,
+                                         std::vector<const TOVHistoryLink*>& related,
+                                         TOVLogger* logger) const;
+    bool getRelatedManualLinkRulesExact(const std::string& objectType,
+                                        const std::vector<std::string>& attributes,
+                                        const AttributesMap& fromValues,
+                                        const AttributesMap& toValues,
+                                        const TOV_DMStructure* structure,
+                                        std::vector<const TOVManualLink*>& related,
+                                        TOVLogger* logger) const;
+    // Rules whose object type matches and whose conditions hold for `packet`.
+    bool getRelatedVersioningSelectionRulesExact(
+        const std::string& objectType, const AttributesMap& packet,
+        const TOV_DMStructure* structure,
+        std::vector<const TOVVersioningSelection*>& related) const;
+
+    // Every list under its heading, in a fixed order.
+    void printContentsDBG(TOVLogger* logger) const;
+    void printTransitionsFreezeContentsDBG(TOVLogger* logger) const;
+    void printHistoryLinksContentsDBG(TOVLogger* logger) const;
+    void printManualLinksContentsDBG(TOVLogger* logger) const;
+    void printTransitionContentsDBG(TOVLogger* logger) const;
+    void printTriggerContentsDBG(TOVLogger* logger) const;
+    void printVersioningAttrSelectionsDBG(TOVLogger* logger) const;
+    void printConflictResolutionRulesDBG(TOVLogger* logger) const;
+    void printFileConstraintsDBG(TOVLogger* logger) const;
+
+private:
+    const std::vector<TOVTransitionFreeze>& getTransitionsFreeze() const;
+    const std::vector<TOVHistoryLink>& getHistoryLinks() const;
+    const std::vector<TOVManualLink>& getManualLinks() const;
+    const std::vector<TOVTransition>& getTransitions() const;
+    const std::vector<TOVFileConstraint>& getFileConstraints() const;
+    const std::vector<TOVVersioningSelection>& getVersioningAttributesSelections() const;
+    const std::vector<TOVConflictResolution>& getConflictsResolutions() const;
+    const std::vector<TOVTrigger>& getTriggers() const;
+
+    // Shared bodies of the lookups and prints; the rules' accessors are private
+    // to everyone but the store.
+    template <typename Rule>
+    static bool selectRelatedRules(const std::vector<Rule>& rules, const std::string& objectType,
+                                   const std::vector<std::string>& attributes,
+                                   const TOV_DMStructure* structure,
+                                   std::vector<const Rule*>& related);
+    template <typename Rule>
+    static bool selectRelatedLinkRules(const std::vector<Rule>& rules,
+                                       const std::string& objectType,
+                                       const std::vector<std::string>& attributes,
+                                       const AttributesMap& fromValues,
+                                       const AttributesMap& toValues,
+                                       const TOV_DMStructure* structure,
+                                       std::vector<const Rule*>& related);
+    template <typename Rule>
+    static void printRules(const char* heading, const std::vector<Rule>& rules, TOVLogger* logger);
+
+    void printDetailsOfScenarioLookingForRelatedRules(const char* heading,
+                                                      const std::string& objectType,
+                                                      const std::vector<std::string>& attributes,
+                                                      const AttributesMap& toValues, int count,
+                                                      TOVLogger* logger) const;
+
+    std::vector<TOVTransitionFreeze> transitionsFreeze;
+    std::vector<TOVHistoryLink> historyLinks;
+    std::vector<TOVManualLink> manualLinks;
+    std::vector<TOVTransition> transitions;
+    std::vector<TOVFileConstraint> fileConstraints;
+    std::vector<TOVVersioningSelection> versioningSelections;
+    std::vector<TOVConflictResolution> conflictResolutions;
+    std::vector<TOVTrigger> triggers;
 };
 
 #endif  // TOV_TOVLIFECYCLEBUSINESSRULES_H_

@@ -15,7 +15,7 @@ enum WhereToLog : std::int32_t {
 };
 
 class TOV_API TOVLogger {
-  public:
+public:
     // Starts with a file name in the default folder, whatever the destination.
     explicit TOVLogger(WhereToLog whereToLog);
 
@@ -31,7 +31,7 @@ class TOV_API TOVLogger {
 
     std::string getFile() const;
 
-  private:
+private:
     WhereToLog getWhereToLog() const;
     void setWhereToLog(WhereToLog whereToLog);
     void setFile(const char* file);

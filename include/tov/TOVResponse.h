@@ -26,7 +26,7 @@ struct TOV_API TOVMissingDataForEvaluation {
 };
 
 class TOV_API TOVResponse {
-  public:
+public:
     // Failed, with an empty "ResultComment".
     TOVResponse();
     TOVResponse(const TOVResponse& other);
@@ -97,7 +97,7 @@ class TOV_API TOVResponse {
     // "Success! comment" or "Failure! comment" for a user interface.
     std::string createVemoInfoMessage() const;
 
-  private:
+private:
     bool getMissingDataReportedForProperEvaluation(TOVMissingDataForEvaluation& data) const;
     std::string getGeneralResultCommentForVemoInfo() const;
 

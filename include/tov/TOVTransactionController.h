@@ -14,7 +14,7 @@ class TOVActionController;
 class TOVCoreDataControllers;
 
 class TOV_API TOVTransactionController {
-  public:
+public:
     TOVTransactionController(TOVFunctionality functionality,
                              std::map<std::string, std::string>& labeledInput,
                              TOVCoreDataControllers* coreData);
@@ -31,7 +31,7 @@ class TOV_API TOVTransactionController {
     // False when the factory knew no controller for the functionality.
     bool hasController() const;
 
-  private:
+private:
     void initializeProperController(TOVFunctionality functionality,
                                     std::map<std::string, std::string>& labeledInput,
                                     TOVCoreDataControllers* coreData);

@@ -1,11 +1,122 @@
 #include "tov/TOV_DMStructure.h"
 
+#include <algorithm>
+
+#include "tov/TOVLogger.h"
+#include "tov/string_helpers.h"
+
 TOV_DMStructure::TOV_DMStructure() = default;
 
-void TOV_DMStructure::clearAllInfo() {}
-
-bool TOV_DMStructure::existAnyInfo() const {
-    return false;
+void TOV_DMStructure::appendDMStructureObject(const TOV_DMStructureObject& object) {
+    objects.push_back(object);
 }
 
-void TOV_DMStructure::printContentsDBG(TOVLogger* /*logger*/) {}
+void TOV_DMStructure::clearAllInfo() {
+    objects.clear();
+    overwriteLabel.clear();
+}
+
+bool TOV_DMStructure::existAnyInfo() const {
+    return !objects.empty();
+}
+
+const std::vector<TOV_DMStructureObject>& TOV_DMStructure::getAllStructureObjects() const {
+    return objects;
+}
+
+std::string TOV_DMStructure::getOverwriteLabel() const {
+    return overwriteLabel;
+}
+
+void TOV_DMStructure::setOverwriteLabel(const std::string& label) {
+    overwriteLabel = label;
+}
+
+void TOV_DMStructure::sortAllDMInfo() {
+    std::sort(objects.begin(), objects.end());
+    for (TOV_DMStructureObject& object : objects) {
+        object.sortMyPrimaryAttributes();
+        object.sortMySecondaryAttributes();
+    }
+}
+
+const TOV_DMStructureObject* TOV_DMStructure::getDMObjectTypeWithName(
+    const std::string& name) const {
+    const TOV_DMStructureObject key(name);
+    const auto found = std::lower_bound(objects.begin(), objects.end(), key);
+    if (found == objects.end() || found->getName() != name) {
+        return nullptr;
+    }
+    return &*found;
+}
+
+bool TOV_DMStructure::isThisAnRLIObjectType(const std::string& name) const {
+    const TOV_DMStructureObject* object = getDMObjectTypeWithName(name);
+    return object != nullptr && object->isThisAnRLI();
+}
+
+bool TOV_DMStructure::isAttributeSecondary(const std::string& objectType,
+                                           const std::string& attribute) const {
+    const TOV_DMStructureObject* object = getDMObjectTypeWithName(objectType);
+    return object != nullptr && object->isThisASecondaryAttribute(attribute);
+}
+
+bool TOV_DMStructure::collectAttrsForObjectFamilyDetection(const std::string& objectType,
+                                                           std::vector<std::string>& names) const {
+    const TOV_DMStructureObject* object = getDMObjectTypeWithName(objectType);
+    if (object == nullptr) {
+        return false;
+    }
+    object->collectAttributesForObjectFamilyDetection(names);
+    return true;
+}
+
+bool TOV_DMStructure::collectVersioningAttributesOfObject(const std::string& objectType,
+                                                          std::set<std::string>& names) const {
+    const TOV_DMStructureObject* object = getDMObjectTypeWithName(objectType);
+    if (object == nullptr) {
+        return false;
+    }
+    object->collectVersioningAttributes(names);
+    return true;
+}
+
+bool TOV_DMStructure::collectVersioningAttributesOfObject(const std::string& objectType,
+                                                          std::vector<std::string>& names) const {
+    const TOV_DMStructureObject* object = getDMObjectTypeWithName(objectType);
+    if (object == nullptr) {
+        return false;
+    }
+    object->collectVersioningAttributes(names);
+    return true;
+}
+
+bool TOV_DMStructure::areObjectTypesThatShouldBeConsideredEqual(const std::string& first,
+                                                                const std::string& second) const {
+    if (areStringsEqualAccountingAlsoAnyValue(first, second)) {
+        return true;
+    }
+    return areRLITypesThatShouldBeConsideredEqual(first, second);
+}
+
+bool TOV_DMStructure::areRLITypesThatShouldBeConsideredEqual(const std::string& first,
+                                                             const std::string& second) const {
+    const bool firstIsGeneric = areStringsEqualSimple(first, TOVAttrItemValue_Library_Item);
+    const bool secondIsGeneric = areStringsEqualSimple(second, TOVAttrItemValue_Library_Item);
+    if (firstIsGeneric) {
+        return secondIsGeneric || isThisAnRLIObjectType(second);
+    }
+    if (!secondIsGeneric) {
+        return false;
+    }
+    return isThisAnRLIObjectType(first);
+}
+
+void TOV_DMStructure::printContentsDBG(TOVLogger* logger) const {
+    logger->printToLog("---------------------------------All DM Info---------------------------");
+    logger->printToLog(("Overwrite Label: " + overwriteLabel).c_str());
+    logger->printToLog("---------DM Structure Objects -----------");
+    for (const TOV_DMStructureObject& object : objects) {
+        object.printContentsDBG(logger);
+    }
+}

@@ -1,6 +1,8 @@
 #include "tov/string_helpers.h"
 
+#include <algorithm>
 #include <cctype>
+#include <climits>
 
 #include "foundation/compare.h"
 
@@ -24,9 +26,12 @@ std::string textUpToFirstNul(const char* text) {
 }  // namespace
 
 int compareStringsIgnoringCase(const std::string& first, const std::string& second) {
-    // Length decides first; only the sign matters, so huge lengths cannot wrap to zero.
+    // Length decides first: the difference of the lengths, held within int so that
+    // huge lengths cannot wrap to zero.
     if (first.size() != second.size()) {
-        return first.size() < second.size() ? -1 : 1;
+        const long long difference =
+            static_cast<long long>(first.size()) - static_cast<long long>(second.size());
+        return static_cast<int>(std::clamp<long long>(difference, INT_MIN, INT_MAX));
     }
     int difference = 0;
     for (std::string::size_type i = 0; i < first.size(); ++i) {

@@ -13,17 +13,17 @@ class TOVResponse;
 // Reads a response back from its single JSON string; lives for one call of
 // TOVResponse::fillResponseFromASingleString.
 class TOVResponseJsonParser : public TOVJsonParser {
-  public:
+public:
     explicit TOVResponseJsonParser(TOVResponse* response);
     ~TOVResponseJsonParser() override;
 
     bool fill(const char* text);
 
-  protected:
+protected:
     std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 
-  private:
+private:
     TOVResponse* response;
     rapidjson::Document document;
 };

@@ -7,7 +7,7 @@
 // The one concrete front desk: serves its labelled input through a transaction
 // and keeps the response.
 class TOVVemoFrontdesk : public TOVFrontdesk {
-  public:
+public:
     explicit TOVVemoFrontdesk(TOVFunctionality functionality);
     ~TOVVemoFrontdesk();
 
@@ -19,7 +19,7 @@ class TOVVemoFrontdesk : public TOVFrontdesk {
     // Logs the title followed by the response's single string in quotes.
     void printResponseToLog(const char* title, const TOVResponse& response);
 
-  private:
+private:
     TOVResponse response;
 };
 

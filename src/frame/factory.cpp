@@ -1,13 +1,19 @@
 #include <string>
 
 #include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVInitializerController.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOVTransactionController.h"
+#include "tov/TOV_DMInfoInitializerController.h"
 
 TOVActionController* createProperController(TOVFunctionality functionality,
-                                            std::map<std::string, std::string> /*labeledInput*/,
+                                            std::map<std::string, std::string> labeledInput,
                                             TOVCoreDataControllers* coreData) {
     switch (functionality) {
+        case TOVFunctionality_InitializeRules:
+            return new TOVInitializerController(labeledInput, coreData);
+        case TOVFunctionality_InitializeDMInfo:
+            return new TOV_DMInfoInitializerController(labeledInput, coreData);
         default: {
             // A functionality without a controller is a programmer's error.
             const std::string message = "ATTENTION!!! YOU FORGOT TO ADD " +

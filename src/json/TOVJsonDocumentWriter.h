@@ -9,7 +9,7 @@
 // The steps of TOVJsonComposer that touch rapidjson, kept out of the public
 // header so that hosts need no JSON library of their own.
 class TOVJsonDocumentWriter {
-  public:
+public:
     // Adds each entry, sanitized, as a string member behind the existing ones.
     static void addNamesValuesToJsonDoc(const std::map<std::string, std::string>& map,
                                         rapidjson::Value& parent,

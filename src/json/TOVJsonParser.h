@@ -11,7 +11,7 @@
 #include "tov/vocabulary.h"
 
 class TOVJsonParser {
-  public:
+public:
     TOVJsonParser();
     TOVJsonParser(const TOVJsonParser& other) = default;
     TOVJsonParser& operator=(const TOVJsonParser& other) = default;
@@ -21,7 +21,7 @@ class TOVJsonParser {
     std::string getParsingErrorComment() const;
     bool getParsingResult() const;
 
-  protected:
+protected:
     // The name that starts each message; "Lifecycle Business" unless overridden.
     virtual std::string getRuleName();
     // The keywords a rule must have, in their fixed order; none here.
@@ -69,7 +69,16 @@ class TOVJsonParser {
     void setObjectListedRuleNotAMapError(const std::string& owner);
     void setObjectRulesNotAListError(const std::string& owner);
 
-  private:
+    // The frame shared by the sections of the rules document: an object that
+    // maps object types to lists of rule objects. `readRule(ruleObject,
+    // objectType)` reads one rule, appends it to the store and may rewrite the
+    // object type in place; it reports its own errors and returns false on one.
+    // An absent section, or one that is not an object, is fine. The first error
+    // ends the section.
+    template <typename ReadRule>
+    bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule);
+
+private:
     bool acceptParsedDocument(const rapidjson::Document& document);
     // ": " behind the rule name, or " " when the name already ends in a colon.
     std::string ruleNameWithSeparator();
@@ -77,6 +86,34 @@ class TOVJsonParser {
     std::string parsingErrorComment;
     bool parsingResult;
 };
+
+template <typename ReadRule>
+bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectionKeyword,
+                                      ReadRule&& readRule) {
+    rapidjson::Value section;
+    if (!getJsonSection(root, sectionKeyword, section)) {
+        return true;
+    }
+    for (auto& member : section.GetObject()) {
+        std::string objectType = member.name.GetString();
+        if (!member.value.IsArray()) {
+            setObjectRulesNotAListError(objectType);
+            setParsingResult(false);
+            return false;
+        }
+        for (auto& ruleObject : member.value.GetArray()) {
+            if (!ruleObject.IsObject()) {
+                setObjectListedRuleNotAMapError(objectType);
+                setParsingResult(false);
+                return false;
+            }
+            if (!readRule(ruleObject, objectType)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
 
 // The one set of parse flags: the default grammar, parsed iteratively so that
 // deep nesting cannot exhaust the stack.

@@ -1,0 +1,56 @@
+// A transition rule: while `attribute` holds `fromValue`, it may move only to
+// one of `toValues`. The from side is loose (case ignored, "<any>" on either
+// side); the to side is strict (exact bytes, "<any>" only in the rule).
+#ifndef TOV_TOVTRANSITION_H_
+#define TOV_TOVTRANSITION_H_
+
+#include <string>
+#include <vector>
+
+#include "tov/export.h"
+#include "tov/vocabulary.h"
+
+class TOVLogger;
+class TOV_DMStructure;
+
+class TOV_API TOVTransition {
+public:
+    TOVTransition();
+    TOVTransition(const std::string& objectType, const std::string& attribute,
+                  const std::string& fromValue, const std::vector<std::string>& toValues);
+
+    // True when the edit from `initial` to `target` breaks this rule. An
+    // attribute the target leaves out is judged as staying on its from value.
+    bool shouldTransitionBeForbidden(const AttributesMap& initial,
+                                     const AttributesMap& target) const;
+    // Whether the rule's attribute is a secondary one of the edited object type.
+    bool constrainsSecondaryAttribute(const std::string& editedObjectType,
+                                      const TOV_DMStructure* structure) const;
+    // Appends the rule as a sentence.
+    void expressRuleInWords(std::string& text) const;
+    // By object type, attribute, from value; case ignored, length first.
+    bool operator<(const TOVTransition& other) const;
+
+private:
+    friend class TOVLifecycleBusinessRules;
+
+    bool isPackageFromValueBoundByThisRule(const AttributesMap& packet, std::string& value) const;
+    bool shouldAttemptedToValueBeForbidden(const std::string& attemptedValue) const;
+    void printContentsDBG(TOVLogger* logger) const;
+
+    const std::string& getObjectType() const;
+    const std::string& getAttribute() const;
+    const std::string& getFromValue() const;
+    const std::vector<std::string>& getToValues() const;
+    void setObjectType(const std::string& value);
+    void setAttribute(const std::string& value);
+    void setFromValue(const std::string& value);
+    void setToValues(const std::vector<std::string>& values);
+
+    std::string objectType;
+    std::string attribute;
+    std::string fromValue;
+    std::vector<std::string> toValues;
+};
+
+#endif  // TOV_TOVTRANSITION_H_

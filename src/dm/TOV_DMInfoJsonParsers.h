@@ -1,0 +1,67 @@
+#ifndef TOV_DM_TOV_DMINFOJSONPARSERS_H_
+#define TOV_DM_TOV_DMINFOJSONPARSERS_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "json/TOVJsonParser.h"
+#include "tov/TOV_DMAttribute.h"
+
+class TOV_DMStructure;
+
+// The top parser of the data-model document.
+class TOV_DMInfoJsonParser : public TOVJsonParser {
+public:
+    explicit TOV_DMInfoJsonParser(TOV_DMStructure* structure);
+    ~TOV_DMInfoJsonParser() override;
+
+    bool fillFromFile(const std::string& path);
+    bool fillFromText(const std::string& text);
+    bool parseStructureObjects();
+    bool parseOverwriteLabel();
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+
+private:
+    TOV_DMStructure* structure;
+    rapidjson::Document document;
+};
+
+// Reads the elements of "structureObjects"; one instance serves the whole list.
+class TOV_DMStructureObjectJsonParser : public TOVJsonParser {
+public:
+    TOV_DMStructureObjectJsonParser();
+    ~TOV_DMStructureObjectJsonParser() override;
+
+    bool parseStructureObject(const rapidjson::Value& element, int index,
+                              TOV_DMStructure* structure);
+    bool parseAttributes(const rapidjson::Value& value, const std::string& objectName,
+                         std::vector<TOV_DMAttribute>& attributes);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+
+private:
+    // The last name read; kept from one element to the next.
+    std::string objectName;
+};
+
+// Reads one element of an object's "attributes".
+class TOV_DMAttributeJsonParser : public TOVJsonParser {
+public:
+    ~TOV_DMAttributeJsonParser() override;
+
+    bool parseAttribute(const rapidjson::Value& element, const std::string& objectName,
+                        std::vector<TOV_DMAttribute>& attributes);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+#endif  // TOV_DM_TOV_DMINFOJSONPARSERS_H_

@@ -1,0 +1,25 @@
+#ifndef TOV_RULES_TOVCONFLICTRESOLUTIONRULESJSONPARSER_H_
+#define TOV_RULES_TOVCONFLICTRESOLUTIONRULESJSONPARSER_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "json/TOVJsonParser.h"
+
+class TOVLifecycleBusinessRules;
+
+// Reads the "conflictResolutions" section of the rules document into the store.
+class TOVConflictResolutionRulesJsonParser : public TOVJsonParser {
+public:
+    ~TOVConflictResolutionRulesJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+#endif  // TOV_RULES_TOVCONFLICTRESOLUTIONRULESJSONPARSER_H_

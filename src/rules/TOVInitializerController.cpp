@@ -1,0 +1,57 @@
+#include "tov/TOVInitializerController.h"
+
+#include "frame/input_labels.h"
+#include "rules/TOVInitializationJsonParser.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+
+TOVInitializerController::TOVInitializerController(
+    const std::map<std::string, std::string>& labeledInput, TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_InitializeRules, labeledInput, coreData) {
+    // Each load replaces everything, so the old rules go before anything else.
+    getLifecycleBusinessRules()->clearAllRules();
+}
+
+TOVInitializerController::~TOVInitializerController() = default;
+
+std::string TOVInitializerController::getInputDataLabelIdentifierForAllRules() {
+    return kLabelAllRules;
+}
+
+std::string TOVInitializerController::getInputDataLabelIdentifierForJsonFilepath() {
+    return kLabelInputIsFilepath;
+}
+
+bool TOVInitializerController::isInputDataSufficient() {
+    std::string input;
+    return getInputStringWithThisLabel(getInputDataLabelIdentifierForAllRules(), input) &&
+           !input.empty();
+}
+
+bool TOVInitializerController::parseInputData(TOVResponse& response) {
+    std::string input;
+    getInputStringWithThisLabel(getInputDataLabelIdentifierForAllRules(), input);
+    std::string unused;
+    const bool inputIsFilePath =
+        getInputStringWithThisLabel(getInputDataLabelIdentifierForJsonFilepath(), unused);
+
+    TOVInitializationJsonParser parser(getLifecycleBusinessRules());
+    const bool loaded = inputIsFilePath ? parser.fillFromFile(input) : parser.fillFromText(input);
+    if (loaded) {
+        parser.parseAllSections();
+    }
+    if (parser.getParsingResult()) {
+        return true;
+    }
+    getLifecycleBusinessRules()->clearAllRules();
+    response.setGeneralResult(false);
+    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
+    return false;
+}
+
+bool TOVInitializerController::evaluateRequest(TOVResponse& response) {
+    response.setGeneralResultComment("Successfully initialized TOV rules");
+    response.setGeneralResult(true);
+    getLifecycleBusinessRules()->sortAllRules();
+    getLifecycleBusinessRules()->printContentsDBG(getLifecycleLogger());
+    return true;
+}

@@ -1,0 +1,37 @@
+#ifndef TOV_RULES_TOVLINKRULESJSONPARSERS_H_
+#define TOV_RULES_TOVLINKRULESJSONPARSERS_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "json/TOVJsonParser.h"
+
+class TOVLifecycleBusinessRules;
+
+// Reads the "historyLinks" section of the rules document into the store.
+class TOVHistoryLinkRulesJsonParser : public TOVJsonParser {
+public:
+    ~TOVHistoryLinkRulesJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+// Reads the "manualLinks" section of the rules document into the store.
+class TOVManualLinkRulesJsonParser : public TOVJsonParser {
+public:
+    ~TOVManualLinkRulesJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+#endif  // TOV_RULES_TOVLINKRULESJSONPARSERS_H_

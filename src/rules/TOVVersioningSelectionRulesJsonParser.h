@@ -1,0 +1,25 @@
+#ifndef TOV_RULES_TOVVERSIONINGSELECTIONRULESJSONPARSER_H_
+#define TOV_RULES_TOVVERSIONINGSELECTIONRULESJSONPARSER_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "json/TOVJsonParser.h"
+
+class TOVLifecycleBusinessRules;
+
+// Reads the "versioningSelections" section of the rules document into the store.
+class TOVVersioningSelectionRulesJsonParser : public TOVJsonParser {
+public:
+    ~TOVVersioningSelectionRulesJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+#endif  // TOV_RULES_TOVVERSIONINGSELECTIONRULESJSONPARSER_H_
