@@ -1,0 +1,98 @@
+# Installs the main build into a private prefix and builds a small host against
+# it twice: through find_package(tov) and through pkg-config. Each program is
+# run. Expects SOURCE_DIR, BUILD_DIR and WORK_DIR.
+cmake_minimum_required(VERSION 3.25)
+
+foreach(var SOURCE_DIR BUILD_DIR WORK_DIR)
+  if(NOT DEFINED ${var})
+    message(FATAL_ERROR "${var} is not set")
+  endif()
+endforeach()
+
+set(prefix "${WORK_DIR}/prefix")
+set(consumer_source "${SOURCE_DIR}/tests/install/consumer")
+set(consumer_build "${WORK_DIR}/consumer-build")
+
+# Runs a command; any failure ends the test with the command's output.
+function(run_step what)
+  execute_process(COMMAND ${ARGN}
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "${what} failed (${rc}):\n${out}\n${err}")
+  endif()
+  set(step_output "${out}" PARENT_SCOPE)
+endfunction()
+
+# The consumer must use the compiler, and so the standard library, of the main
+# build.
+function(read_main_cache entry result)
+  file(STRINGS "${BUILD_DIR}/CMakeCache.txt" line REGEX "^${entry}:[A-Z]+=")
+  if(NOT line)
+    message(FATAL_ERROR "${entry} not found in ${BUILD_DIR}/CMakeCache.txt")
+  endif()
+  string(REGEX REPLACE "^${entry}:[A-Z]+=" "" value "${line}")
+  set(${result} "${value}" PARENT_SCOPE)
+endfunction()
+read_main_cache(CMAKE_CXX_COMPILER cxx)
+read_main_cache(CMAKE_MAKE_PROGRAM make_program)
+
+file(REMOVE_RECURSE "${WORK_DIR}")
+file(MAKE_DIRECTORY "${WORK_DIR}")
+
+run_step("install" "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
+
+# The library and its links: lib/ or lib/<multiarch>/, after GNUInstallDirs.
+file(GLOB_RECURSE libraries LIST_DIRECTORIES false "${prefix}/lib*/libtov.so.1.1.0")
+list(LENGTH libraries count)
+if(NOT count EQUAL 1)
+  message(FATAL_ERROR "expected one installed libtov.so.1.1.0, found: ${libraries}")
+endif()
+get_filename_component(libdir "${libraries}" DIRECTORY)
+foreach(link libtov.so.1 libtov.so)
+  if(NOT IS_SYMLINK "${libdir}/${link}")
+    message(FATAL_ERROR "${libdir}/${link} is not installed as a link")
+  endif()
+endforeach()
+run_step("readelf" readelf -d "${libraries}")
+if(NOT step_output MATCHES "\\(SONAME\\)[ \t]+Library soname: \\[libtov\\.so\\.1\\]")
+  message(FATAL_ERROR "libtov.so.1.1.0 has no SONAME libtov.so.1:\n${step_output}")
+endif()
+
+if(NOT EXISTS "${prefix}/include/tov/tov.h")
+  message(FATAL_ERROR "tov/tov.h is not installed")
+endif()
+
+# 1. As a CMake package.
+run_step("consumer configure" "${CMAKE_COMMAND}"
+  -S "${consumer_source}" -B "${consumer_build}" -G Ninja
+  "-DCMAKE_MAKE_PROGRAM=${make_program}"
+  "-DCMAKE_CXX_COMPILER=${cxx}"
+  -DCMAKE_BUILD_TYPE=Release
+  "-DCMAKE_PREFIX_PATH=${prefix}")
+run_step("consumer build" "${CMAKE_COMMAND}" --build "${consumer_build}")
+run_step("consumer run (find_package)" "${consumer_build}/tov_consumer")
+message(STATUS "find_package consumer: ${step_output}")
+
+# 2. Through pkg-config. The file names the prefix chosen at configure time;
+# the staged prefix replaces it, which also proves the paths hang off ${prefix}.
+file(GLOB_RECURSE pc_files LIST_DIRECTORIES false "${prefix}/lib*/pkgconfig/tov.pc")
+list(LENGTH pc_files count)
+if(NOT count EQUAL 1)
+  message(FATAL_ERROR "expected one installed tov.pc, found: ${pc_files}")
+endif()
+get_filename_component(pc_dir "${pc_files}" DIRECTORY)
+run_step("pkg-config version" "${CMAKE_COMMAND}" -E env "PKG_CONFIG_PATH=${pc_dir}"
+  pkg-config --modversion tov)
+string(STRIP "${step_output}" pc_version)
+if(NOT pc_version STREQUAL "1.1.0")
+  message(FATAL_ERROR "tov.pc has version \"${pc_version}\", expected 1.1.0")
+endif()
+run_step("pkg-config flags" "${CMAKE_COMMAND}" -E env "PKG_CONFIG_PATH=${pc_dir}"
+  pkg-config "--define-variable=prefix=${prefix}" --cflags --libs tov)
+string(STRIP "${step_output}" pc_flags)
+separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
+run_step("pkg-config compile" "${cxx}" -std=c++17 "${consumer_source}/main.cpp"
+  ${pc_flags} -o "${WORK_DIR}/tov_consumer_pc")
+run_step("consumer run (pkg-config)" "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${libdir}"
+  "${WORK_DIR}/tov_consumer_pc")
+message(STATUS "pkg-config consumer: ${step_output}")
