@@ -15,7 +15,7 @@ build: deps
 	cmake --build --preset $(PRESET)
 
 demo: build
-	./$(BUILD_DIR)/examples/tov_demo
+	./$(BUILD_DIR)/examples/tov_demo examples
 
 test: build
 	ctest --preset $(PRESET)
