@@ -4,7 +4,7 @@
 set -eu
 
 PACKAGES="cmake ninja-build g++ clang pkg-config rapidjson-dev libgtest-dev libgmock-dev \
-libbenchmark-dev libcli11-dev"
+libbenchmark-dev libcli11-dev libclang-rt-14-dev"
 
 missing=""
 for package in $PACKAGES; do

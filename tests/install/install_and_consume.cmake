@@ -35,6 +35,9 @@ function(read_main_cache entry result)
 endfunction()
 read_main_cache(CMAKE_CXX_COMPILER cxx)
 read_main_cache(CMAKE_MAKE_PROGRAM make_program)
+# A sanitized library needs sanitized programs around it.
+read_main_cache(CMAKE_CXX_FLAGS cxx_flags)
+read_main_cache(CMAKE_EXE_LINKER_FLAGS exe_linker_flags)
 
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
@@ -67,14 +70,15 @@ run_step("consumer configure" "${CMAKE_COMMAND}"
   -S "${consumer_source}" -B "${consumer_build}" -G Ninja
   "-DCMAKE_MAKE_PROGRAM=${make_program}"
   "-DCMAKE_CXX_COMPILER=${cxx}"
+  "-DCMAKE_CXX_FLAGS=${cxx_flags}"
+  "-DCMAKE_EXE_LINKER_FLAGS=${exe_linker_flags}"
   -DCMAKE_BUILD_TYPE=Release
   "-DCMAKE_PREFIX_PATH=${prefix}")
 run_step("consumer build" "${CMAKE_COMMAND}" --build "${consumer_build}")
 run_step("consumer run (find_package)" "${consumer_build}/tov_consumer")
 message(STATUS "find_package consumer: ${step_output}")
 
-# 2. Through pkg-config. The file names the prefix chosen at configure time;
-# the staged prefix replaces it, which also proves the paths hang off ${prefix}.
+# 2. Through pkg-config, with no help: the file finds its prefix from its own place.
 file(GLOB_RECURSE pc_files LIST_DIRECTORIES false "${prefix}/lib*/pkgconfig/tov.pc")
 list(LENGTH pc_files count)
 if(NOT count EQUAL 1)
@@ -88,11 +92,12 @@ if(NOT pc_version STREQUAL "1.1.0")
   message(FATAL_ERROR "tov.pc has version \"${pc_version}\", expected 1.1.0")
 endif()
 run_step("pkg-config flags" "${CMAKE_COMMAND}" -E env "PKG_CONFIG_PATH=${pc_dir}"
-  pkg-config "--define-variable=prefix=${prefix}" --cflags --libs tov)
+  pkg-config --cflags --libs tov)
 string(STRIP "${step_output}" pc_flags)
 separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
-run_step("pkg-config compile" "${cxx}" -std=c++17 "${consumer_source}/main.cpp"
-  ${pc_flags} -o "${WORK_DIR}/tov_consumer_pc")
+separate_arguments(extra_flags UNIX_COMMAND "${cxx_flags} ${exe_linker_flags}")
+run_step("pkg-config compile" "${cxx}" "${consumer_source}/main.cpp"
+  ${pc_flags} ${extra_flags} -o "${WORK_DIR}/tov_consumer_pc")
 run_step("consumer run (pkg-config)" "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${libdir}"
   "${WORK_DIR}/tov_consumer_pc")
 message(STATUS "pkg-config consumer: ${step_output}")
