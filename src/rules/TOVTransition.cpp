@@ -1,5 +1,8 @@
 #include "tov/TOVTransition.h"
 
+#include <algorithm>
+
+#include "foundation/compare.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
@@ -35,24 +38,78 @@ void TOVTransition::setToValues(const std::vector<std::string>& value) {
     toValues = value;
 }
 
-// ---- Rule logic ----
-bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& /*initial*/,
-                                                const AttributesMap& /*target*/) const {
-    return false;
+bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
+                                                const AttributesMap& target) const {
+    std::string currentValue;
+    if (!isPackageFromValueBoundByThisRule(initial, currentValue)) {
+        return false;
+    }
+    // An attribute the edit leaves out counts as an attempt to stay where it is.
+    std::string attemptedValue = currentValue;
+    getValueofKeywordFromStringStringMap(attribute, target, attemptedValue);
+    return shouldAttemptedToValueBeForbidden(attemptedValue);
 }
-bool TOVTransition::constrainsSecondaryAttribute(const std::string& /*editedObjectType*/,
-                                                 const TOV_DMStructure* /*structure*/) const {
-    return false;
+
+bool TOVTransition::constrainsSecondaryAttribute(const std::string& editedObjectType,
+                                                 const TOV_DMStructure* structure) const {
+    if (structure == nullptr) {
+        return false;
+    }
+    std::string type = objectType;
+    if (isThisTheReservedAnyValue(type)) {
+        type = editedObjectType;
+    }
+    return structure->isAttributeSecondary(type, attribute);
 }
-void TOVTransition::expressRuleInWords(std::string& /*text*/) const {}
-bool TOVTransition::operator<(const TOVTransition& /*other*/) const {
-    return false;
+
+void TOVTransition::expressRuleInWords(std::string& text) const {
+    text += "For " + objectType + ": " + attribute;
+    text += " can transition from " + createStringInQuotes(fromValue.c_str());
+    text += " to ";
+    for (std::size_t i = 0; i < toValues.size(); ++i) {
+        if (i > 0) {
+            text += ", ";
+        }
+        text += createStringInQuotes(toValues[i].c_str());
+    }
 }
-bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& /*packet*/,
-                                                      std::string& /*value*/) const {
-    return false;
+
+bool TOVTransition::operator<(const TOVTransition& other) const {
+    int order = compareStringsIgnoringCase(objectType, other.objectType);
+    if (order == 0) {
+        order = compareStringsIgnoringCase(attribute, other.attribute);
+    }
+    if (order == 0) {
+        order = compareStringsIgnoringCase(fromValue, other.fromValue);
+    }
+    return order < 0;
 }
-bool TOVTransition::shouldAttemptedToValueBeForbidden(const std::string& /*attemptedValue*/) const {
-    return false;
+
+bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,
+                                                      std::string& value) const {
+    if (!getValueofKeywordFromStringStringMap(attribute, packet, value)) {
+        return false;
+    }
+    return areStringsEqualAccountingAlsoAnyValue(value, fromValue);
 }
-void TOVTransition::printContentsDBG(TOVLogger* /*logger*/) const {}
+
+// The target side is strict: exact bytes, and only the rule's own "<any>" in
+// its exact form opens every value.
+bool TOVTransition::shouldAttemptedToValueBeForbidden(const std::string& attemptedValue) const {
+    if (std::find(toValues.begin(), toValues.end(), attemptedValue) != toValues.end()) {
+        return false;
+    }
+    if (toValues.empty()) {
+        return true;
+    }
+    return std::find(toValues.begin(), toValues.end(), std::string(TOVAttrItemValue_Any)) ==
+           toValues.end();
+}
+
+void TOVTransition::printContentsDBG(TOVLogger* logger) const {
+    logger->printToLog("**TOVTransition rule:");
+    logger->printToLog(("Object type : " + objectType).c_str());
+    logger->printToLog(("Attribute : " + attribute).c_str());
+    logger->printToLog(("From value : " + fromValue).c_str());
+    logger->printToLog(("To values : " + createCommaSeparatedListOfStrings(toValues)).c_str());
+}

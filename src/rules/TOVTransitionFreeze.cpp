@@ -1,7 +1,7 @@
 #include "tov/TOVTransitionFreeze.h"
 
+#include "foundation/compare.h"
 #include "tov/TOVLogger.h"
-#include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
 
 TOVTransitionFreeze::TOVTransitionFreeze() = default;
@@ -40,13 +40,45 @@ void TOVTransitionFreeze::setFreezeConditionValue(const std::string& value) {
     freezeConditionValue = value;
 }
 
-// ---- Rule logic ----
-bool TOVTransitionFreeze::shouldPackageBeFrozen(const std::string& /*attributeName*/,
-                                                const AttributesMap& /*packet*/) const {
-    return false;
+bool TOVTransitionFreeze::shouldPackageBeFrozen(const std::string& attributeName,
+                                                const AttributesMap& packet) const {
+    // Names are compared as values here, so "<any>" freezes every attribute.
+    if (!areStringsEqualAccountingAlsoAnyValue(attributeName, attribute)) {
+        return false;
+    }
+    std::string conditionValue;
+    if (!getValueofKeywordFromStringStringMap(freezeConditionAttribute, packet, conditionValue)) {
+        return false;
+    }
+    return areStringsEqualAccountingAlsoAnyValue(conditionValue, freezeConditionValue);
 }
-void TOVTransitionFreeze::expressRuleInWords(std::string& /*text*/) const {}
-bool TOVTransitionFreeze::operator<(const TOVTransitionFreeze& /*other*/) const {
-    return false;
+
+void TOVTransitionFreeze::expressRuleInWords(std::string& text) const {
+    text += "For " + objectType;
+    text += ": When " + freezeConditionAttribute;
+    text += " equals " + createStringInQuotes(freezeConditionValue.c_str());
+    text += ", then " + attribute;
+    text += " must remain unchanged.";
 }
-void TOVTransitionFreeze::printContentsDBG(TOVLogger* /*logger*/) const {}
+
+// `attribute` is left out on purpose: rules that freeze different attributes
+// under one condition are equivalent for the sort.
+bool TOVTransitionFreeze::operator<(const TOVTransitionFreeze& other) const {
+    int order = compareStringsIgnoringCase(objectType, other.objectType);
+    if (order == 0) {
+        order =
+            compareStringsIgnoringCase(freezeConditionAttribute, other.freezeConditionAttribute);
+    }
+    if (order == 0) {
+        order = compareStringsIgnoringCase(freezeConditionValue, other.freezeConditionValue);
+    }
+    return order < 0;
+}
+
+void TOVTransitionFreeze::printContentsDBG(TOVLogger* logger) const {
+    logger->printToLog("**TOVTransitionsFreeze rule:");
+    logger->printToLog(("Object type : " + objectType).c_str());
+    logger->printToLog(("Attribute : " + attribute).c_str());
+    logger->printToLog(("Freeze Condition Attribute : " + freezeConditionAttribute).c_str());
+    logger->printToLog(("Freeze Condition Value : " + freezeConditionValue).c_str());
+}

@@ -1,18 +1,73 @@
 #include "rules/TOVTransitionRulesJsonParser.h"
 
+#include <cstdio>
+
 #include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVTransition.h"
+#include "tov/string_helpers.h"
+
+namespace {
+
+const char* const kSectionKeyword = "transitions";
+const char* const kAttributeKeyword = "attribute";
+const char* const kFromValueKeyword = "fromValue";
+const char* const kToValueKeyword = "toValue";
+const char* const kAllowJumpsKeyword = "allowJumps";
+const char* const kAllowReverseKeyword = "allowReverse";
+
+}  // namespace
 
 TOVTransitionRulesJsonParser::~TOVTransitionRulesJsonParser() = default;
 
-// ---- To be written with the rule kind ----
 std::string TOVTransitionRulesJsonParser::getRuleName() {
-    return TOVJsonParser::getRuleName();
+    return "Transition rule";
 }
 
-void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& /*keywords*/) {
+void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(kAttributeKeyword);
+    keywords.push_back(kFromValueKeyword);
+    keywords.push_back(kToValueKeyword);
 }
 
-bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& /*root*/,
-                                                TOVLifecycleBusinessRules* /*store*/) {
-    return true;
+bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
+                                                TOVLifecycleBusinessRules* store) {
+    return parseRulesSection(
+        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+            std::string attribute;
+            std::string fromValue;
+            std::vector<std::string> toValues;
+            for (auto& member : ruleObject.GetObject()) {
+                const std::string keyword = member.name.GetString();
+                bool collected = true;
+                if (keyword == kAttributeKeyword) {
+                    collected = collectStringFromValue(member.value, attribute);
+                } else if (keyword == kFromValueKeyword) {
+                    collected = collectStringFromValue(member.value, fromValue);
+                } else if (keyword == kToValueKeyword) {
+                    // A repeated "toValue" adds to the list instead of replacing it.
+                    collected = collectStringsFromArray(member.value, toValues);
+                } else if (keyword == kAllowJumpsKeyword) {
+                    std::fputs("We do not support the allowJumps keyword in the Transition Rule.\n",
+                               stdout);
+                } else if (keyword == kAllowReverseKeyword) {
+                    std::fputs("We do not support the allowReverse keyword in the Transition Rule.",
+                               stdout);
+                }
+                if (!collected) {
+                    // Also a bad "toValue" list is reported as a bad single value.
+                    setAttributeValueStringParsingError(objectType, keyword);
+                    setParsingResult(false);
+                    return false;
+                }
+            }
+            if (objectType.empty() || attribute.empty() || fromValue.empty() || toValues.empty()) {
+                setNotAllNecessaryKeywordsFoundParsingError(objectType);
+                setParsingResult(false);
+                return false;
+            }
+            changeAllToAny(objectType);
+            store->appendNewTransitionRule(
+                TOVTransition(objectType, attribute, fromValue, toValues));
+            return true;
+        });
 }
