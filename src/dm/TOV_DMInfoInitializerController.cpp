@@ -4,10 +4,10 @@
 #include "frame/input_labels.h"
 #include "tov/TOV_DMStructure.h"
 
-// ---- To be written with the data-model document ----
 TOV_DMInfoInitializerController::TOV_DMInfoInitializerController(
     const std::map<std::string, std::string>& labeledInput, TOVCoreDataControllers* coreData)
     : TOVActionController(TOVFunctionality_InitializeDMInfo, labeledInput, coreData) {
+    // Each load replaces everything, so the old information goes before anything else.
     getLifecycleDMInfo()->clearAllInfo();
 }
 
@@ -22,13 +22,39 @@ std::string TOV_DMInfoInitializerController::getInputDataLabelIdentifierForJsonF
 }
 
 bool TOV_DMInfoInitializerController::isInputDataSufficient() {
+    std::string input;
+    return getInputStringWithThisLabel(getInputDataLabelIdentifierForAllDMInfo(), input) &&
+           !input.empty();
+}
+
+bool TOV_DMInfoInitializerController::parseInputData(TOVResponse& response) {
+    std::string input;
+    getInputStringWithThisLabel(getInputDataLabelIdentifierForAllDMInfo(), input);
+    std::string unused;
+    const bool inputIsFilePath =
+        getInputStringWithThisLabel(getInputDataLabelIdentifierForJsonFilepath(), unused);
+
+    TOV_DMInfoJsonParser parser(getLifecycleDMInfo());
+    const bool loaded = inputIsFilePath ? parser.fillFromFile(input) : parser.fillFromText(input);
+    if (loaded) {
+        // The label is read even when the list failed, so one answer tells both.
+        parser.parseStructureObjects();
+        parser.parseOverwriteLabel();
+    }
+    if (parser.getParsingResult()) {
+        return true;
+    }
+    // Objects read before the error go too: a load is all or nothing.
+    getLifecycleDMInfo()->clearAllInfo();
+    response.setGeneralResult(false);
+    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
     return false;
 }
 
-bool TOV_DMInfoInitializerController::parseInputData(TOVResponse& /*response*/) {
-    return false;
-}
-
-bool TOV_DMInfoInitializerController::evaluateRequest(TOVResponse& /*response*/) {
+bool TOV_DMInfoInitializerController::evaluateRequest(TOVResponse& response) {
+    response.setGeneralResultComment("Succesfully initialized DM info");
+    response.setGeneralResult(true);
+    getLifecycleDMInfo()->sortAllDMInfo();
+    getLifecycleDMInfo()->printContentsDBG(getLifecycleLogger());
     return true;
 }

@@ -1,52 +1,227 @@
 #include "dm/TOV_DMInfoJsonParsers.h"
 
-#include "tov/TOV_DMStructure.h"
+#include <string>
+#include <vector>
 
-// ---- To be written with the data-model document ----
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+
+namespace {
+
+const char* const kStructureObjects = "structureObjects";
+const char* const kOverwriteLabel = "OverwriteLabel";
+const char* const kName = "name";
+const char* const kDMObjectType = "dmObjectType";
+const char* const kAttributes = "attributes";
+const char* const kType = "type";
+const char* const kPrimary = "primary";
+
+// Member names are compared whole, so a name with a zero byte inside never
+// passes for a keyword.
+bool isKeyword(const rapidjson::Value& name, const char* keyword) {
+    return std::string(name.GetString(), name.GetStringLength()) == keyword;
+}
+
+}  // namespace
+
 TOV_DMInfoJsonParser::TOV_DMInfoJsonParser(TOV_DMStructure* structure) : structure(structure) {}
+
 TOV_DMInfoJsonParser::~TOV_DMInfoJsonParser() = default;
+
 bool TOV_DMInfoJsonParser::fillFromFile(const std::string& path) {
     return fillJsonDocumentFromJsonFile(path, document);
 }
+
 bool TOV_DMInfoJsonParser::fillFromText(const std::string& text) {
     return fillJsonDocumentFromJsonString(text, document);
 }
+
 bool TOV_DMInfoJsonParser::parseStructureObjects() {
-    return structure != nullptr;
+    if (structure == nullptr) {
+        return false;
+    }
+    rapidjson::Value list;
+    if (!getJsonArraySection(document, kStructureObjects, list)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    // One parser for the whole list, so that it remembers the last name read.
+    TOV_DMStructureObjectJsonParser objectParser;
+    int index = 0;
+    for (const rapidjson::Value& element : list.GetArray()) {
+        if (!objectParser.parseStructureObject(element, index, structure)) {
+            appendToParsingErrorComment(objectParser.getParsingErrorComment().c_str());
+            updateParsingResult(objectParser.getParsingResult());
+            return false;
+        }
+        ++index;
+    }
+    return true;
 }
+
 bool TOV_DMInfoJsonParser::parseOverwriteLabel() {
-    return structure != nullptr;
+    if (structure == nullptr) {
+        return false;
+    }
+    rapidjson::Value labelValue;
+    if (!getJsonStringSection(document, kOverwriteLabel, labelValue)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    std::string label;
+    collectStringFromValue(labelValue, label);
+    structure->setOverwriteLabel(label);
+    return true;
 }
+
 std::string TOV_DMInfoJsonParser::getRuleName() {
     return "DM Structure Information";
 }
-void TOV_DMInfoJsonParser::getAllNecessaryKeywords(std::vector<std::string>& /*keywords*/) {}
+
+void TOV_DMInfoJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(kStructureObjects);
+    keywords.push_back(kOverwriteLabel);
+}
 
 TOV_DMStructureObjectJsonParser::TOV_DMStructureObjectJsonParser() = default;
+
 TOV_DMStructureObjectJsonParser::~TOV_DMStructureObjectJsonParser() = default;
-bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Value& /*element*/,
-                                                           int /*index*/,
-                                                           TOV_DMStructure* /*structure*/) {
+
+bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Value& element,
+                                                           int index, TOV_DMStructure* structure) {
+    const std::string indexText = "index=" + std::to_string(index);
+    if (!element.IsObject()) {
+        setObjectListedRuleNotAMapError(indexText);
+        setParsingResult(false);
+        return false;
+    }
+    std::string name;
+    std::string categoryWord;
+    std::vector<TOV_DMAttribute> attributes;
+    for (const auto& member : element.GetObject()) {
+        if (isKeyword(member.name, kName)) {
+            if (!collectStringFromValue(member.value, name)) {
+                setAttributeValueStringParsingError(indexText, kName);
+                setParsingResult(false);
+                return false;
+            }
+            objectName = name;
+        } else if (isKeyword(member.name, kDMObjectType)) {
+            if (!collectStringFromValue(member.value, categoryWord)) {
+                // Once a name is known the rule name tells the object.
+                setAttributeValueStringParsingError(name.empty() ? indexText : std::string(),
+                                                    kDMObjectType);
+                setParsingResult(false);
+                return false;
+            }
+        } else if (isKeyword(member.name, kAttributes)) {
+            if (!parseAttributes(member.value, name, attributes)) {
+                return false;
+            }
+        }
+    }
+    if (name.empty()) {
+        setNotAllNecessaryKeywordsFoundParsingError(indexText);
+        setParsingResult(false);
+        return false;
+    }
+    if (categoryWord.empty() || attributes.empty()) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    structure->appendDMStructureObject(TOV_DMStructureObject(name, categoryWord, attributes));
     return true;
 }
-bool TOV_DMStructureObjectJsonParser::parseAttributes(
-    const rapidjson::Value& /*value*/, const std::string& /*objectName*/,
-    std::vector<TOV_DMAttribute>& /*attributes*/) {
+
+bool TOV_DMStructureObjectJsonParser::parseAttributes(const rapidjson::Value& value,
+                                                      const std::string& localName,
+                                                      std::vector<TOV_DMAttribute>& attributes) {
+    TOV_DMAttributeJsonParser attributeParser;
+    if (!value.IsArray()) {
+        setJsonSectionNotAListError(kAttributes);
+        setParsingResult(false);
+        return false;
+    }
+    for (const rapidjson::Value& element : value.GetArray()) {
+        if (!attributeParser.parseAttribute(element, localName, attributes)) {
+            appendToParsingErrorComment(attributeParser.getParsingErrorComment().c_str());
+            updateParsingResult(attributeParser.getParsingResult());
+            return false;
+        }
+    }
     return true;
 }
+
 std::string TOV_DMStructureObjectJsonParser::getRuleName() {
-    return objectName;
+    if (objectName.empty()) {
+        return "Structure object";
+    }
+    return "Structure object with name " + objectName + ":";
 }
-void TOV_DMStructureObjectJsonParser::getAllNecessaryKeywords(
-    std::vector<std::string>& /*keywords*/) {}
+
+void TOV_DMStructureObjectJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(kName);
+    keywords.push_back(kDMObjectType);
+    keywords.push_back(kAttributes);
+}
 
 TOV_DMAttributeJsonParser::~TOV_DMAttributeJsonParser() = default;
-bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& /*element*/,
-                                               const std::string& /*objectName*/,
-                                               std::vector<TOV_DMAttribute>& /*attributes*/) {
+
+bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
+                                               const std::string& objectName,
+                                               std::vector<TOV_DMAttribute>& attributes) {
+    if (!element.IsObject()) {
+        setObjectListedRuleNotAMapError(objectName);
+        setParsingResult(false);
+        return false;
+    }
+    std::string name;
+    std::string typeWord;
+    bool primary = false;
+    bool primarySeen = false;
+    for (const auto& member : element.GetObject()) {
+        const char* stringKeyword = nullptr;
+        std::string* target = nullptr;
+        if (isKeyword(member.name, kName)) {
+            stringKeyword = kName;
+            target = &name;
+        } else if (isKeyword(member.name, kType)) {
+            stringKeyword = kType;
+            target = &typeWord;
+        }
+        if (target != nullptr) {
+            if (!collectStringFromValue(member.value, *target)) {
+                setAttributeValueStringParsingError(objectName, stringKeyword);
+                setParsingResult(false);
+                return false;
+            }
+        } else if (isKeyword(member.name, kPrimary)) {
+            primarySeen = true;
+            if (!collectBoolFromValue(member.value, primary)) {
+                setAttributeValueBoolParsingError(objectName, kPrimary);
+                setParsingResult(false);
+                return false;
+            }
+        }
+    }
+    if (name.empty() || typeWord.empty() || !primarySeen) {
+        setNotAllNecessaryKeywordsFoundParsingError(objectName);
+        setParsingResult(false);
+        return false;
+    }
+    attributes.push_back(TOV_DMAttribute(name, typeWord, primary));
     return true;
 }
+
 std::string TOV_DMAttributeJsonParser::getRuleName() {
     return "DM Attribute";
 }
-void TOV_DMAttributeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& /*keywords*/) {}
+
+void TOV_DMAttributeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(kName);
+    keywords.push_back(kType);
+    keywords.push_back(kPrimary);
+}

@@ -39,7 +39,9 @@ public:
 
     bool parseStructureObject(const rapidjson::Value& element, int index,
                               TOV_DMStructure* structure);
-    bool parseAttributes(const rapidjson::Value& value, const std::string& objectName,
+    // `localName` is the name read so far in this element, the owner in the
+    // attributes' messages.
+    bool parseAttributes(const rapidjson::Value& value, const std::string& localName,
                          std::vector<TOV_DMAttribute>& attributes);
 
 protected:

@@ -87,8 +87,8 @@ void TOV_DMStructureObject::collectPrimaryAttributes(std::vector<std::string>& n
 void TOV_DMStructureObject::collectAttributesForObjectFamilyDetection(
     std::vector<std::string>& names) const {
     // A family is told by regular primaries; an RLI's file primaries count too.
-    const bool skip = !isThisAnRLI();
-    collectPrimaryAttributes(names, skip, skip);
+    // Versioning primaries never do, since versions of one family differ in them.
+    collectPrimaryAttributes(names, true, !isThisAnRLI());
 }
 
 void TOV_DMStructureObject::collectVersioningAttributes(std::set<std::string>& names) const {
