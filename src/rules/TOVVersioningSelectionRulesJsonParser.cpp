@@ -1,18 +1,88 @@
 #include "rules/TOVVersioningSelectionRulesJsonParser.h"
 
 #include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVVersioningSelection.h"
+#include "tov/string_helpers.h"
+
+namespace {
+
+const char* const kSectionKeyword = "versioningSelections";
+const char* const kConditionAttribute1 = "conditionAttribute1";
+const char* const kConditionValue1 = "conditionValue1";
+const char* const kConditionAttribute2 = "conditionAttribute2";
+const char* const kConditionValue2 = "conditionValue2";
+const char* const kVersioningOption = "versioningOption";
+
+}  // namespace
 
 TOVVersioningSelectionRulesJsonParser::~TOVVersioningSelectionRulesJsonParser() = default;
 
-// ---- To be written with the rule kind ----
 std::string TOVVersioningSelectionRulesJsonParser::getRuleName() {
-    return TOVJsonParser::getRuleName();
+    return "Versioning Selection rule";
 }
 
 void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
-    std::vector<std::string>& /*keywords*/) {}
+    std::vector<std::string>& keywords) {
+    keywords.push_back(kConditionAttribute1);
+    keywords.push_back(kConditionValue1);
+    keywords.push_back(kVersioningOption);
+}
 
-bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& /*root*/,
-                                                         TOVLifecycleBusinessRules* /*store*/) {
-    return true;
+bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
+                                                         TOVLifecycleBusinessRules* store) {
+    return parseRulesSection(
+        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+            std::string conditionAttribute1;
+            std::vector<std::string> conditionValues1;
+            std::string conditionAttribute2;
+            std::vector<std::string> conditionValues2;
+            std::vector<std::string> versioningOptions;
+
+            for (auto& member : ruleObject.GetObject()) {
+                // Names are compared whole, so that one with an embedded zero byte
+                // matches no keyword.
+                const std::string keyword(member.name.GetString(), member.name.GetStringLength());
+                std::string* text = nullptr;
+                std::vector<std::string>* list = nullptr;
+                if (keyword == kConditionAttribute1) {
+                    text = &conditionAttribute1;
+                } else if (keyword == kConditionAttribute2) {
+                    text = &conditionAttribute2;
+                } else if (keyword == kConditionValue1) {
+                    list = &conditionValues1;
+                } else if (keyword == kConditionValue2) {
+                    list = &conditionValues2;
+                } else if (keyword == kVersioningOption) {
+                    list = &versioningOptions;
+                } else {
+                    // Keywords of no meaning to this rule are passed over.
+                    continue;
+                }
+                if (text != nullptr && !collectStringFromValue(member.value, *text)) {
+                    setAttributeValueStringParsingError(objectType, keyword);
+                    setParsingResult(false);
+                    return false;
+                }
+                if (list != nullptr && !collectStringsFromArray(member.value, *list)) {
+                    setAttributeValuesStringListParsingError(objectType, keyword);
+                    setParsingResult(false);
+                    return false;
+                }
+            }
+
+            if (conditionAttribute1.empty() || conditionValues1.empty() ||
+                versioningOptions.empty()) {
+                setNotAllNecessaryKeywordsFoundParsingError(objectType);
+                setParsingResult(false);
+                return false;
+            }
+
+            changeAllToAny(objectType);
+            // The second condition goes in even when half-given; the rule leaves it out.
+            const TOVVersioningSelection rule(objectType, conditionAttribute1, conditionValues1,
+                                              conditionAttribute2, conditionValues2,
+                                              versioningOptions);
+            store->appendNewVersioningAttrSelectionRule(rule);
+            return true;
+        });
 }
