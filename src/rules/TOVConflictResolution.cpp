@@ -1,5 +1,6 @@
 #include "tov/TOVConflictResolution.h"
 
+#include "foundation/compare.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
@@ -49,33 +50,6 @@ void TOVConflictResolution::setToValue(const std::string& value) {
     toValue = value;
 }
 
-// ---- Rule logic ----
-bool TOVConflictResolution::shouldTransitionBeForbidden(
-    const AttributesMap& /*initial*/, const AttributesMap& /*target*/,
-    const std::vector<std::string>& /*versioningAttributes*/) const {
-    return false;
-}
-bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolution(
-    const std::string& /*objectType*/, const AttributesMap& /*initial*/,
-    const AttributesMap& /*target*/, const TOV_DMStructure* /*structure*/,
-    TOVConflictResolutionValues& /*value*/) const {
-    return false;
-}
-bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolutionNoType(
-    const AttributesMap& /*initial*/, const AttributesMap& /*target*/,
-    TOVConflictResolutionValues& /*value*/) const {
-    return false;
-}
-int TOVConflictResolution::compareFileUpdatedVal1AndVal2AccountingAlsoAnyValue(
-    TOVUpdateFileValues /*first*/, TOVUpdateFileValues /*second*/) const {
-    return 0;
-}
-void TOVConflictResolution::expressRuleInWords(std::string& /*text*/) const {}
-void TOVConflictResolution::expressConflictResolutionValueInWords(std::string& /*text*/) const {}
-void TOVConflictResolution::expressFileUpdateInWords(std::string& /*text*/) const {}
-bool TOVConflictResolution::operator<(const TOVConflictResolution& /*other*/) const {
-    return false;
-}
 TOVUpdateFileValues TOVConflictResolution::isFileUpdated() const {
     return fileUpdated;
 }
@@ -86,9 +60,178 @@ TOVConflictResolution::TOVConflictResolutionValues TOVConflictResolution::getCon
 void TOVConflictResolution::setFileUpdated(TOVUpdateFileValues value) {
     fileUpdated = value;
 }
-void TOVConflictResolution::setFileUpdated(const std::string& /*word*/) {}
+void TOVConflictResolution::setFileUpdated(const std::string& word) {
+    if (word == TOVAttrItemValue_N_A) {
+        fileUpdated = TOVUpdateFile_NotApplicable;
+    } else if (word == TOVAttrItemValue_YES) {
+        fileUpdated = TOVUpdateFile_Yes;
+    } else if (word == TOVAttrItemValue_NO) {
+        fileUpdated = TOVUpdateFile_No;
+    }
+}
 void TOVConflictResolution::setConflictResolution(TOVConflictResolutionValues value) {
     conflictResolution = value;
 }
-void TOVConflictResolution::setConflictResolution(const std::string& /*word*/) {}
-void TOVConflictResolution::printContentsDBG(TOVLogger* /*logger*/) const {}
+void TOVConflictResolution::setConflictResolution(const std::string& word) {
+    if (word == TOVAttrItemValue_Overwrite) {
+        conflictResolution = TOVConflictResolution_Overwrite;
+    } else if (word == TOVAttrItemValue_Spinup) {
+        conflictResolution = TOVConflictResolution_Spinup;
+    } else {
+        conflictResolution = TOVConflictResolution_NoConstraint;
+    }
+}
+
+bool TOVConflictResolution::shouldTransitionBeForbidden(
+    const AttributesMap& initial, const AttributesMap& target,
+    const std::vector<std::string>& versioningAttributes) const {
+    TOVConflictResolutionValues forced = TOVConflictResolution_NoConstraint;
+    if (!doesThisTransitionHaveAConstrainedConflictResolutionNoType(initial, target, forced)) {
+        return false;
+    }
+    // Changing a versioning attribute is what a spin-up does; changing none is
+    // an overwrite.
+    std::vector<std::string> changed;
+    const bool spunUp = getWhichOfKeysHaveDifferentValuesInPackets(versioningAttributes, initial,
+                                                                   target, false, changed);
+    if (spunUp) {
+        return forced == TOVConflictResolution_Overwrite;
+    }
+    return forced == TOVConflictResolution_Spinup;
+}
+
+bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolution(
+    const std::string& askedType, const AttributesMap& initial, const AttributesMap& target,
+    const TOV_DMStructure* structure, TOVConflictResolutionValues& value) const {
+    bool typesMatch = false;
+    if (structure != nullptr) {
+        typesMatch = structure->areObjectTypesThatShouldBeConsideredEqual(objectType, askedType);
+    } else {
+        // Without a data model only plain equality and the wildcard can match.
+        typesMatch = areStringsEqualAccountingAlsoAnyValue(objectType, askedType);
+    }
+    if (!typesMatch) {
+        return false;
+    }
+    return doesThisTransitionHaveAConstrainedConflictResolutionNoType(initial, target, value);
+}
+
+bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolutionNoType(
+    const AttributesMap& initial, const AttributesMap& target,
+    TOVConflictResolutionValues& value) const {
+    if (conflictResolution == TOVConflictResolution_NoConstraint) {
+        return false;
+    }
+    // An object with no past (an empty initial packet) is never bound here.
+    std::string initialValue;
+    if (!getValueofKeywordFromStringStringMap(attribute, initial, initialValue)) {
+        return false;
+    }
+    if (!areStringsEqualAccountingAlsoAnyValue(initialValue, fromValue)) {
+        return false;
+    }
+    std::string targetValue = initialValue;
+    getValueofKeywordFromStringStringMap(attribute, target, targetValue);
+    if (!areStringsEqualAccountingAlsoAnyValue(targetValue, toValue)) {
+        return false;
+    }
+    // A packet silent about the upload satisfies every file setting.
+    if (compareFileUpdatedVal1AndVal2AccountingAlsoAnyValue(getThisPacketFileUpdatingValue(target),
+                                                            fileUpdated) != 0) {
+        return false;
+    }
+    value = conflictResolution;
+    return true;
+}
+
+int TOVConflictResolution::compareFileUpdatedVal1AndVal2AccountingAlsoAnyValue(
+    TOVUpdateFileValues first, TOVUpdateFileValues second) const {
+    if (first == TOVUpdateFile_NotApplicable || second == TOVUpdateFile_NotApplicable) {
+        return 0;
+    }
+    return static_cast<int>(first) - static_cast<int>(second);
+}
+
+void TOVConflictResolution::expressRuleInWords(std::string& text) const {
+    text += "For ";
+    text += objectType;
+    text += ": When ";
+    text += attribute;
+    text += " transitions from ";
+    text += createStringInQuotes(fromValue.c_str());
+    text += " to ";
+    text += createStringInQuotes(toValue.c_str());
+    text += " ";
+    if (fileUpdated != TOVUpdateFile_NotApplicable) {
+        std::string fileWords;
+        expressFileUpdateInWords(fileWords);
+        text += "and ";
+        text += fileWords;
+    }
+    std::string resolutionWords;
+    expressConflictResolutionValueInWords(resolutionWords);
+    text += " then ";
+    text += resolutionWords;
+}
+
+void TOVConflictResolution::expressConflictResolutionValueInWords(std::string& text) const {
+    switch (conflictResolution) {
+        case TOVConflictResolution_NoConstraint:
+            text = "there is no constraint whether you should spinup or not";
+            break;
+        case TOVConflictResolution_Overwrite:
+            text = "we MUST overwrite";
+            break;
+        case TOVConflictResolution_Spinup:
+            text = "we MUST spinup";
+            break;
+        default:
+            text.clear();
+            break;
+    }
+}
+
+void TOVConflictResolution::expressFileUpdateInWords(std::string& text) const {
+    switch (fileUpdated) {
+        case TOVUpdateFile_NotApplicable:
+            text = "representation file updating is irrelevant";
+            break;
+        case TOVUpdateFile_Yes:
+            text = "representation file is updated";
+            break;
+        case TOVUpdateFile_No:
+            text = "representation file is not updated";
+            break;
+        default:
+            text.clear();
+            break;
+    }
+}
+
+// The forced resolution takes no part: rules that differ only there are equivalent.
+bool TOVConflictResolution::operator<(const TOVConflictResolution& other) const {
+    const std::string* const mine[] = {&objectType, &attribute, &fromValue, &toValue};
+    const std::string* const theirs[] = {&other.objectType, &other.attribute, &other.fromValue,
+                                         &other.toValue};
+    for (int i = 0; i < 4; ++i) {
+        const int difference = compareStringsIgnoringCase(*mine[i], *theirs[i]);
+        if (difference != 0) {
+            return difference < 0;
+        }
+    }
+    return static_cast<int>(fileUpdated) < static_cast<int>(other.fileUpdated);
+}
+
+void TOVConflictResolution::printContentsDBG(TOVLogger* logger) const {
+    std::string fileWords;
+    expressFileUpdateInWords(fileWords);
+    std::string resolutionWords;
+    expressConflictResolutionValueInWords(resolutionWords);
+    logger->printToLog("**TOVConflictResolution rule:");
+    logger->printToLog(("Object type : " + objectType).c_str());
+    logger->printToLog(("Attribute : " + attribute).c_str());
+    logger->printToLog(("From value : " + fromValue).c_str());
+    logger->printToLog(("To value : " + toValue).c_str());
+    logger->printToLog(("File: " + fileWords).c_str());
+    logger->printToLog(("Spinup constraint: " + resolutionWords).c_str());
+}

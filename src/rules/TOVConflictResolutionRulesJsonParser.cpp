@@ -1,18 +1,90 @@
 #include "rules/TOVConflictResolutionRulesJsonParser.h"
 
+#include "tov/TOVConflictResolution.h"
 #include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/string_helpers.h"
+
+namespace {
+
+const char* const kSectionKeyword = "conflictResolutions";
+const char* const kAttributeKeyword = "attribute";
+const char* const kFromValueKeyword = "fromValue";
+const char* const kToValueKeyword = "toValue";
+const char* const kUpdatesFileKeyword = "updatesFile";
+const char* const kHasDifferentPrimariesKeyword = "hasDifferentPrimaries";
+const char* const kConflictResolutionKeyword = "conflictResolution";
+
+}  // namespace
 
 TOVConflictResolutionRulesJsonParser::~TOVConflictResolutionRulesJsonParser() = default;
 
-// ---- To be written with the rule kind ----
 std::string TOVConflictResolutionRulesJsonParser::getRuleName() {
-    return TOVJsonParser::getRuleName();
+    return "Conflict Resolution rule";
 }
 
+// "hasDifferentPrimaries" is named here for the message, yet a rule without it
+// still loads.
 void TOVConflictResolutionRulesJsonParser::getAllNecessaryKeywords(
-    std::vector<std::string>& /*keywords*/) {}
+    std::vector<std::string>& keywords) {
+    keywords.push_back(kAttributeKeyword);
+    keywords.push_back(kFromValueKeyword);
+    keywords.push_back(kToValueKeyword);
+    keywords.push_back(kUpdatesFileKeyword);
+    keywords.push_back(kHasDifferentPrimariesKeyword);
+    keywords.push_back(kConflictResolutionKeyword);
+}
 
-bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& /*root*/,
-                                                        TOVLifecycleBusinessRules* /*store*/) {
-    return true;
+bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
+                                                        TOVLifecycleBusinessRules* store) {
+    return parseRulesSection(
+        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+            std::string attribute;
+            std::string fromValue;
+            std::string toValue;
+            std::string updatesFile;
+            std::string conflictResolution;
+            bool hasDifferentPrimaries = false;
+            for (const auto& member : ruleObject.GetObject()) {
+                const std::string keyword = member.name.GetString();
+                std::string* text = nullptr;
+                if (keyword == kAttributeKeyword) {
+                    text = &attribute;
+                } else if (keyword == kFromValueKeyword) {
+                    text = &fromValue;
+                } else if (keyword == kToValueKeyword) {
+                    text = &toValue;
+                } else if (keyword == kUpdatesFileKeyword) {
+                    text = &updatesFile;
+                } else if (keyword == kConflictResolutionKeyword) {
+                    text = &conflictResolution;
+                } else if (keyword == kHasDifferentPrimariesKeyword) {
+                    if (!collectBoolFromValue(member.value, hasDifferentPrimaries)) {
+                        setAttributeValueBoolParsingError(objectType, keyword);
+                        setParsingResult(false);
+                        return false;
+                    }
+                    continue;
+                } else {
+                    // Unknown keywords are skipped whatever their type.
+                    continue;
+                }
+                if (!collectStringFromValue(member.value, *text)) {
+                    setAttributeValueStringParsingError(objectType, keyword);
+                    setParsingResult(false);
+                    return false;
+                }
+            }
+            // An empty value counts as a missing keyword.
+            if (objectType.empty() || attribute.empty() || fromValue.empty() || toValue.empty() ||
+                updatesFile.empty() || conflictResolution.empty()) {
+                setNotAllNecessaryKeywordsFoundParsingError(objectType);
+                setParsingResult(false);
+                return false;
+            }
+            changeAllToAny(objectType);
+            store->appendNewConflictResolutionRule(
+                TOVConflictResolution(objectType, attribute, fromValue, toValue, updatesFile,
+                                      conflictResolution, hasDifferentPrimaries));
+            return true;
+        });
 }

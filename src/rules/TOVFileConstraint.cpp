@@ -1,7 +1,8 @@
 #include "tov/TOVFileConstraint.h"
 
+#include "foundation/compare.h"
 #include "tov/TOVLogger.h"
-#include "tov/TOV_DMStructure.h"
+#include "tov/attribute_packets.h"
 #include "tov/string_helpers.h"
 
 TOVFileConstraint::TOVFileConstraint() : updateFileConstraint(TOVUpdateFileConstraint_Free) {}
@@ -42,21 +43,114 @@ void TOVFileConstraint::setToValue(const std::string& value) {
     toValue = value;
 }
 
-// ---- Rule logic ----
-bool TOVFileConstraint::shouldTransitionBeForbidden(const AttributesMap& /*initial*/,
-                                                    const AttributesMap& /*target*/) const {
-    return false;
-}
-void TOVFileConstraint::expressRuleInWords(std::string& /*text*/) const {}
-void TOVFileConstraint::expressFileConstraintInWords(std::string& /*text*/) const {}
-bool TOVFileConstraint::operator<(const TOVFileConstraint& /*other*/) const {
-    return false;
-}
 TOVFileConstraint::TOVUpdateFileConstraint TOVFileConstraint::getUpdateFileConstraint() const {
     return updateFileConstraint;
 }
 void TOVFileConstraint::setUpdateFileConstraint(TOVUpdateFileConstraint value) {
     updateFileConstraint = value;
 }
-void TOVFileConstraint::setUpdateFileConstraint(const std::string& /*word*/) {}
-void TOVFileConstraint::printContentsDBG(TOVLogger* /*logger*/) const {}
+// Any word but the two exact ones leaves a rule that constrains nothing.
+void TOVFileConstraint::setUpdateFileConstraint(const std::string& word) {
+    if (word == TOVAttrItemValue_Forbidden) {
+        updateFileConstraint = TOVUpdateFileConstraint_Forbidden;
+    } else if (word == TOVAttrItemValue_Mandatory) {
+        updateFileConstraint = TOVUpdateFileConstraint_Mandatory;
+    } else {
+        updateFileConstraint = TOVUpdateFileConstraint_Free;
+    }
+}
+
+bool TOVFileConstraint::shouldTransitionBeForbidden(const AttributesMap& initial,
+                                                    const AttributesMap& target) const {
+    if (updateFileConstraint == TOVUpdateFileConstraint_Free) {
+        return false;
+    }
+    std::string initialValue;
+    if (!initial.empty()) {
+        const auto found = initial.find(attribute);
+        if (found == initial.end()) {
+            return false;
+        }
+        if (!areStringsEqualAccountingAlsoAnyValue(found->second, fromValue)) {
+            return false;
+        }
+        initialValue = found->second;
+    } else if (!isThisTheReservedAnyValue(fromValue)) {
+        // A new object arrives with an empty packet: it has no from value, so
+        // only a rule open to every from value can bind it.
+        return false;
+    }
+    std::string targetValue = initialValue;
+    getValueofKeywordFromStringStringMap(attribute, target, targetValue);
+    if (!areStringsEqualAccountingAlsoAnyValue(targetValue, toValue)) {
+        return false;
+    }
+    // Only an explicit word in the target satisfies a constraint; silence
+    // breaks both kinds.
+    const TOVUpdateFileValues upload = getThisPacketFileUpdatingValue(target);
+    switch (updateFileConstraint) {
+        case TOVUpdateFileConstraint_Mandatory:
+            return upload != TOVUpdateFile_Yes;
+        case TOVUpdateFileConstraint_Forbidden:
+            return upload != TOVUpdateFile_No;
+        default:
+            return false;
+    }
+}
+
+void TOVFileConstraint::expressFileConstraintInWords(std::string& text) const {
+    switch (updateFileConstraint) {
+        case TOVUpdateFileConstraint_Free:
+            text = " uploading a new representation file is possible but not mandatory.";
+            break;
+        case TOVUpdateFileConstraint_Forbidden:
+            text = "we MUST NOT upload a new representation file";
+            break;
+        case TOVUpdateFileConstraint_Mandatory:
+            text = "we MUST upload a new representation file";
+            break;
+        default:
+            text.clear();
+            break;
+    }
+}
+
+void TOVFileConstraint::expressRuleInWords(std::string& text) const {
+    std::string constraintWords;
+    expressFileConstraintInWords(constraintWords);
+    text += "For ";
+    text += objectType;
+    text += ": When ";
+    text += attribute;
+    text += " transitions from ";
+    text += createStringInQuotes(fromValue.c_str());
+    text += " to ";
+    text += createStringInQuotes(toValue.c_str());
+    text += " ";
+    text += constraintWords;
+}
+
+// The constraint takes no part: two rules for the same transition are equivalent.
+bool TOVFileConstraint::operator<(const TOVFileConstraint& other) const {
+    const std::string* const mine[] = {&objectType, &attribute, &fromValue, &toValue};
+    const std::string* const theirs[] = {&other.objectType, &other.attribute, &other.fromValue,
+                                         &other.toValue};
+    for (int i = 0; i < 4; ++i) {
+        const int difference = compareStringsIgnoringCase(*mine[i], *theirs[i]);
+        if (difference != 0) {
+            return difference < 0;
+        }
+    }
+    return false;
+}
+
+void TOVFileConstraint::printContentsDBG(TOVLogger* logger) const {
+    std::string constraintWords;
+    expressFileConstraintInWords(constraintWords);
+    logger->printToLog("**TOVFileConstraint rule:");
+    logger->printToLog(("Object type : " + objectType).c_str());
+    logger->printToLog(("Attribute : " + attribute).c_str());
+    logger->printToLog(("From value : " + fromValue).c_str());
+    logger->printToLog(("To value : " + toValue).c_str());
+    logger->printToLog(("File constraint : " + constraintWords).c_str());
+}
