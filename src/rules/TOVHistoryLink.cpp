@@ -1,8 +1,6 @@
 #include "tov/TOVHistoryLink.h"
 
-#include "tov/TOVLogger.h"
-#include "tov/TOV_DMStructure.h"
-#include "tov/string_helpers.h"
+#include "rules/link_rule_logic.h"
 
 TOVHistoryLink::TOVHistoryLink() = default;
 
@@ -45,20 +43,34 @@ void TOVHistoryLink::setToValue(const std::string& value) {
     toValue = value;
 }
 
-// ---- Rule logic ----
-bool TOVHistoryLink::foundHistoryLinkObjectViolatingRule(
-    const std::vector<AttributesMap>& /*packets*/, AttributesMap& /*offending*/) const {
-    return false;
+bool TOVHistoryLink::foundHistoryLinkObjectViolatingRule(const std::vector<AttributesMap>& packets,
+                                                         AttributesMap& offending) const {
+    return linkrules::findFirstOffendingPacket(
+        {objectType, attribute, fromValue, toValue, acceptableHistoryLinkValues}, packets,
+        offending);
 }
-void TOVHistoryLink::expressRuleInWords(std::string& /*text*/) const {}
-bool TOVHistoryLink::operator<(const TOVHistoryLink& /*other*/) const {
-    return false;
+void TOVHistoryLink::expressRuleInWords(std::string& text) const {
+    linkrules::appendRuleInWords(
+        {objectType, attribute, fromValue, toValue, acceptableHistoryLinkValues},
+        " then entries in the same object family can have ", text);
 }
-bool TOVHistoryLink::isValueAmongstAcceptables(const std::string& /*value*/) const {
-    return false;
+bool TOVHistoryLink::operator<(const TOVHistoryLink& other) const {
+    return linkrules::precedes(
+        {objectType, attribute, fromValue, toValue, acceptableHistoryLinkValues},
+        {other.objectType, other.attribute, other.fromValue, other.toValue,
+         other.acceptableHistoryLinkValues});
 }
-void TOVHistoryLink::sortAcceptableValues() {}
+bool TOVHistoryLink::isValueAmongstAcceptables(const std::string& value) const {
+    return linkrules::isValueAmongstAcceptables(acceptableHistoryLinkValues, value);
+}
+void TOVHistoryLink::sortAcceptableValues() {
+    linkrules::sortAcceptableValues(acceptableHistoryLinkValues);
+}
 void TOVHistoryLink::setAcceptableHistoryLinkValues(const std::vector<std::string>& values) {
     acceptableHistoryLinkValues = values;
+    sortAcceptableValues();
 }
-void TOVHistoryLink::printContentsDBG(TOVLogger* /*logger*/) const {}
+void TOVHistoryLink::printContentsDBG(TOVLogger* logger) const {
+    linkrules::printRule({objectType, attribute, fromValue, toValue, acceptableHistoryLinkValues},
+                         "**TOVHistoryLink rule:", "Acceptable HistoryLink Values : ", logger);
+}

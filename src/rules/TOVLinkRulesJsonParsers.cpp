@@ -1,33 +1,134 @@
 #include "rules/TOVLinkRulesJsonParsers.h"
 
+#include "tov/TOVHistoryLink.h"
 #include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/string_helpers.h"
+
+namespace {
+
+const char* const kAttribute = "attribute";
+const char* const kFromValue = "fromValue";
+const char* const kToValue = "toValue";
+const char* const kAcceptableHistoryLinkValues = "acceptableHistoryLinkValues";
+const char* const kAcceptableManualLinkValues = "acceptableManualLinkValues";
+
+void pushLinkKeywords(const char* listKeyword, std::vector<std::string>& keywords) {
+    keywords.push_back(kAttribute);
+    keywords.push_back(kFromValue);
+    keywords.push_back(kToValue);
+    keywords.push_back(listKeyword);
+}
+
+}  // namespace
+
+// Both link parsers read a rule object the same way; they are separate classes
+// only because each has its own name and list keyword. The reading lives here
+// as a template so that it can reach the protected parser operations.
+template <typename Parser>
+struct LinkRuleReader {
+    // The keywords of one link rule as read; the list keyword is the only one in
+    // which the two kinds differ.
+    struct LinkRuleKeywords {
+        std::string attribute;
+        std::string fromValue;
+        std::string toValue;
+        std::vector<std::string> acceptableValues;
+
+        bool isComplete(const std::string& objectType) const {
+            return !objectType.empty() && !attribute.empty() && !fromValue.empty() &&
+                   !toValue.empty() && !acceptableValues.empty();
+        }
+    };
+
+    // Unknown keywords (the other kind's list among them) are skipped in silence.
+    static bool read(Parser& parser, const rapidjson::Value& ruleObject,
+                     const std::string& objectType, const char* listKeyword,
+                     LinkRuleKeywords& keywords) {
+        for (const auto& member : ruleObject.GetObject()) {
+            const std::string keyword = member.name.GetString();
+            std::string* text = nullptr;
+            if (keyword == kAttribute) {
+                text = &keywords.attribute;
+            } else if (keyword == kFromValue) {
+                text = &keywords.fromValue;
+            } else if (keyword == kToValue) {
+                text = &keywords.toValue;
+            }
+            if (text != nullptr) {
+                if (!parser.collectStringFromValue(member.value, *text)) {
+                    parser.setAttributeValueStringParsingError(objectType, keyword);
+                    parser.setParsingResult(false);
+                    return false;
+                }
+            } else if (keyword == listKeyword) {
+                // A repeated list keyword adds to what the first one gave.
+                if (!parser.collectStringsFromArray(member.value, keywords.acceptableValues)) {
+                    parser.setAttributeValuesStringListParsingError(objectType, keyword);
+                    parser.setParsingResult(false);
+                    return false;
+                }
+            }
+        }
+        if (!keywords.isComplete(objectType)) {
+            parser.setNotAllNecessaryKeywordsFoundParsingError(objectType);
+            parser.setParsingResult(false);
+            return false;
+        }
+        return true;
+    }
+};
 
 TOVHistoryLinkRulesJsonParser::~TOVHistoryLinkRulesJsonParser() = default;
 
-// ---- To be written with the rule kind ----
 std::string TOVHistoryLinkRulesJsonParser::getRuleName() {
-    return TOVJsonParser::getRuleName();
+    return "History Link rule";
 }
 
-void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(
-    std::vector<std::string>& /*keywords*/) {}
+void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    pushLinkKeywords(kAcceptableHistoryLinkValues, keywords);
+}
 
-bool TOVHistoryLinkRulesJsonParser::parseSection(rapidjson::Value& /*root*/,
-                                                 TOVLifecycleBusinessRules* /*store*/) {
-    return true;
+bool TOVHistoryLinkRulesJsonParser::parseSection(rapidjson::Value& root,
+                                                 TOVLifecycleBusinessRules* store) {
+    return parseRulesSection(
+        root, "historyLinks", [&](rapidjson::Value& ruleObject, std::string& objectType) {
+            LinkRuleReader<TOVHistoryLinkRulesJsonParser>::LinkRuleKeywords keywords;
+            if (!LinkRuleReader<TOVHistoryLinkRulesJsonParser>::read(
+                    *this, ruleObject, objectType, kAcceptableHistoryLinkValues, keywords)) {
+                return false;
+            }
+            changeAllToAny(objectType);
+            store->appendNewHistoryLinkRule(TOVHistoryLink(objectType, keywords.attribute,
+                                                           keywords.fromValue, keywords.toValue,
+                                                           keywords.acceptableValues));
+            return true;
+        });
 }
 
 TOVManualLinkRulesJsonParser::~TOVManualLinkRulesJsonParser() = default;
 
-// ---- To be written with the rule kind ----
 std::string TOVManualLinkRulesJsonParser::getRuleName() {
-    return TOVJsonParser::getRuleName();
+    return "Manual Link rule";
 }
 
-void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& /*keywords*/) {
+void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    pushLinkKeywords(kAcceptableManualLinkValues, keywords);
 }
 
-bool TOVManualLinkRulesJsonParser::parseSection(rapidjson::Value& /*root*/,
-                                                TOVLifecycleBusinessRules* /*store*/) {
-    return true;
+bool TOVManualLinkRulesJsonParser::parseSection(rapidjson::Value& root,
+                                                TOVLifecycleBusinessRules* store) {
+    return parseRulesSection(
+        root, "manualLinks", [&](rapidjson::Value& ruleObject, std::string& objectType) {
+            LinkRuleReader<TOVManualLinkRulesJsonParser>::LinkRuleKeywords keywords;
+            if (!LinkRuleReader<TOVManualLinkRulesJsonParser>::read(
+                    *this, ruleObject, objectType, kAcceptableManualLinkValues, keywords)) {
+                return false;
+            }
+            changeAllToAny(objectType);
+            store->appendNewManualLinkRule(TOVManualLink(objectType, keywords.attribute,
+                                                         keywords.fromValue, keywords.toValue,
+                                                         keywords.acceptableValues));
+            return true;
+        });
 }

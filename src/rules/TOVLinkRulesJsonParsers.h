@@ -10,8 +10,14 @@
 
 class TOVLifecycleBusinessRules;
 
+// Reads one rule object of either link section; shared by the two parsers.
+template <typename Parser>
+struct LinkRuleReader;
+
 // Reads the "historyLinks" section of the rules document into the store.
 class TOVHistoryLinkRulesJsonParser : public TOVJsonParser {
+    friend struct LinkRuleReader<TOVHistoryLinkRulesJsonParser>;
+
 public:
     ~TOVHistoryLinkRulesJsonParser() override;
 
@@ -24,6 +30,8 @@ protected:
 
 // Reads the "manualLinks" section of the rules document into the store.
 class TOVManualLinkRulesJsonParser : public TOVJsonParser {
+    friend struct LinkRuleReader<TOVManualLinkRulesJsonParser>;
+
 public:
     ~TOVManualLinkRulesJsonParser() override;
 

@@ -1,8 +1,6 @@
 #include "tov/TOVManualLink.h"
 
-#include "tov/TOVLogger.h"
-#include "tov/TOV_DMStructure.h"
-#include "tov/string_helpers.h"
+#include "rules/link_rule_logic.h"
 
 TOVManualLink::TOVManualLink() = default;
 
@@ -45,20 +43,35 @@ void TOVManualLink::setToValue(const std::string& value) {
     toValue = value;
 }
 
-// ---- Rule logic ----
-bool TOVManualLink::foundManualAncestorViolatingRule(const std::vector<AttributesMap>& /*packets*/,
-                                                     AttributesMap& /*offending*/) const {
-    return false;
+bool TOVManualLink::foundManualAncestorViolatingRule(const std::vector<AttributesMap>& packets,
+                                                     AttributesMap& offending) const {
+    return linkrules::findFirstOffendingPacket(
+        {objectType, attribute, fromValue, toValue, acceptableManualLinkValues}, packets,
+        offending);
 }
-void TOVManualLink::expressRuleInWords(std::string& /*text*/) const {}
-bool TOVManualLink::operator<(const TOVManualLink& /*other*/) const {
-    return false;
+void TOVManualLink::expressRuleInWords(std::string& text) const {
+    linkrules::appendRuleInWords(
+        {objectType, attribute, fromValue, toValue, acceptableManualLinkValues},
+        " then its manual link ancestors can have ", text);
 }
-bool TOVManualLink::isValueAmongstAcceptables(const std::string& /*value*/) const {
-    return false;
+bool TOVManualLink::operator<(const TOVManualLink& other) const {
+    return linkrules::precedes(
+        {objectType, attribute, fromValue, toValue, acceptableManualLinkValues},
+        {other.objectType, other.attribute, other.fromValue, other.toValue,
+         other.acceptableManualLinkValues});
 }
-void TOVManualLink::sortAcceptableValues() {}
+bool TOVManualLink::isValueAmongstAcceptables(const std::string& value) const {
+    return linkrules::isValueAmongstAcceptables(acceptableManualLinkValues, value);
+}
+void TOVManualLink::sortAcceptableValues() {
+    linkrules::sortAcceptableValues(acceptableManualLinkValues);
+}
 void TOVManualLink::setAcceptableManualLinkValues(const std::vector<std::string>& values) {
     acceptableManualLinkValues = values;
+    sortAcceptableValues();
 }
-void TOVManualLink::printContentsDBG(TOVLogger* /*logger*/) const {}
+void TOVManualLink::printContentsDBG(TOVLogger* logger) const {
+    linkrules::printRule(
+        {objectType, attribute, fromValue, toValue, acceptableManualLinkValues},
+        "**TOVManualLink rule:", "Acceptable ManualLink Ancestor Values : ", logger);
+}

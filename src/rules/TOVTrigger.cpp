@@ -1,8 +1,8 @@
 #include "tov/TOVTrigger.h"
 
+#include "foundation/compare.h"
 #include "tov/TOVLogger.h"
-#include "tov/TOV_DMStructure.h"
-#include "tov/string_helpers.h"
+#include "tov/vocabulary.h"
 
 TOVTrigger::TOVTrigger() = default;
 
@@ -26,9 +26,9 @@ void TOVTrigger::setInitializationValue(const std::string& value) {
     initializationValue = value;
 }
 
-// ---- Rule logic ----
+// Exact on purpose: the word in other capitals names an ordinary attribute.
 bool TOVTrigger::isAbstractVersioningReinitializationRule() const {
-    return false;
+    return triggerInitialize == TOVAttrItemKeyword_ProperVersioningAttribute;
 }
 std::string TOVTrigger::getAttribute() const {
     return attribute;
@@ -42,7 +42,25 @@ std::string TOVTrigger::getInitializationValue() const {
 std::string TOVTrigger::getObjectType() const {
     return objectType;
 }
-bool TOVTrigger::operator<(const TOVTrigger& /*other*/) const {
-    return false;
+
+bool TOVTrigger::operator<(const TOVTrigger& other) const {
+    int order = compareStringsIgnoringCase(objectType, other.objectType);
+    if (order == 0) {
+        order = compareStringsIgnoringCase(attribute, other.attribute);
+    }
+    if (order == 0) {
+        order = compareStringsIgnoringCase(triggerInitialize, other.triggerInitialize);
+    }
+    return order < 0;
 }
-void TOVTrigger::printContentsDBG(TOVLogger* /*logger*/) const {}
+
+void TOVTrigger::printContentsDBG(TOVLogger* logger) const {
+    if (logger == nullptr) {
+        return;
+    }
+    logger->printToLog("**TOVTrigger rule:");
+    logger->printToLog(("Object type : " + objectType).c_str());
+    logger->printToLog(("Attribute : " + attribute).c_str());
+    logger->printToLog(("Trigger initialize : " + triggerInitialize).c_str());
+    logger->printToLog(("Initialization value: " + initializationValue).c_str());
+}
