@@ -5,6 +5,7 @@
 #define TOV_TOVLIFECYCLEBUSINESSRULES_H_
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tov/TOVConflictResolution.h"
@@ -98,6 +99,11 @@ public:
         const std::string& objectType, const AttributesMap& packet,
         const TOV_DMStructure* structure,
         std::vector<const TOVVersioningSelection*>& related) const;
+
+    // A read-only walk for tools: one entry per rule that has words (all kinds
+    // but triggers), each a kind label and the rule's sentence, in the order of
+    // the debug print.
+    std::vector<std::pair<std::string, std::string>> expressRulesInWords() const;
 
     // Every list under its heading, in a fixed order.
     void printContentsDBG(TOVLogger* logger) const;

@@ -320,3 +320,30 @@ void TOVLifecycleBusinessRules::printContentsDBG(TOVLogger* logger) const {
     printConflictResolutionRulesDBG(logger);
     printFileConstraintsDBG(logger);
 }
+
+namespace {
+
+template <typename Rule>
+void appendSentences(const char* kind, const std::vector<Rule>& rules,
+                     std::vector<std::pair<std::string, std::string>>& sentences) {
+    for (const Rule& rule : rules) {
+        std::string sentence;
+        rule.expressRuleInWords(sentence);
+        sentences.emplace_back(kind, sentence);
+    }
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expressRulesInWords()
+    const {
+    std::vector<std::pair<std::string, std::string>> sentences;
+    appendSentences("transition freeze", transitionsFreeze, sentences);
+    appendSentences("history link", historyLinks, sentences);
+    appendSentences("manual link", manualLinks, sentences);
+    appendSentences("transition", transitions, sentences);
+    appendSentences("versioning selection", versioningSelections, sentences);
+    appendSentences("conflict resolution", conflictResolutions, sentences);
+    appendSentences("file constraint", fileConstraints, sentences);
+    return sentences;
+}
