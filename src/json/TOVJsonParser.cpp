@@ -260,3 +260,25 @@ void TOVJsonParser::setObjectRulesNotAListError(const std::string& owner) {
     message += " should be in a List.";
     appendToParsingErrorComment(message.c_str());
 }
+
+bool TOVJsonParser::collectRuleKeywordsFromMap(const rapidjson::Value& ruleObject,
+                                               const std::string& objectType,
+                                               const std::vector<const char*>& keywords,
+                                               std::vector<std::string>& values) {
+    AttributesMap pairs;
+    if (!collectKeyValuesPairsFromSection(ruleObject, pairs)) {
+        setErrorParsingTheKeysValuesMapOfAttribute(objectType);
+        setParsingResult(false);
+        return false;
+    }
+    for (const char* keyword : keywords) {
+        std::string value;
+        if (!getValueofKeywordFromStringStringMap(keyword, pairs, value)) {
+            setNotAllNecessaryKeywordsFoundParsingError(objectType);
+            setParsingResult(false);
+            return false;
+        }
+        values.push_back(value);
+    }
+    return true;
+}

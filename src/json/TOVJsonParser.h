@@ -78,6 +78,15 @@ protected:
     template <typename ReadRule>
     bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule);
 
+    // Reads a rule object whole as a map of strings and hands back the values
+    // of `keywords` in their order. Every key must be present; empty values
+    // pass. A member of another type, named or not, gives the key-value error,
+    // a missing key the keyword error, both under `objectType`.
+    bool collectRuleKeywordsFromMap(const rapidjson::Value& ruleObject,
+                                    const std::string& objectType,
+                                    const std::vector<const char*>& keywords,
+                                    std::vector<std::string>& values);
+
 private:
     bool acceptParsedDocument(const rapidjson::Document& document);
     // ": " behind the rule name, or " " when the name already ends in a colon.

@@ -32,29 +32,16 @@ bool TOVFileConstraintsRulesJsonParser::parseSection(rapidjson::Value& root,
                                                      TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
-            // The rule is read whole as a map of strings, so a member of another
-            // type, even an unknown one, spoils the rule.
-            AttributesMap keywords;
-            if (!collectKeyValuesPairsFromSection(ruleObject, keywords)) {
-                setErrorParsingTheKeysValuesMapOfAttribute(objectType);
-                setParsingResult(false);
-                return false;
-            }
-            std::string attribute;
-            std::string fromValue;
-            std::string toValue;
-            std::string updateFile;
-            if (!getValueofKeywordFromStringStringMap(kAttributeKeyword, keywords, attribute) ||
-                !getValueofKeywordFromStringStringMap(kFromValueKeyword, keywords, fromValue) ||
-                !getValueofKeywordFromStringStringMap(kToValueKeyword, keywords, toValue) ||
-                !getValueofKeywordFromStringStringMap(kUpdateFileKeyword, keywords, updateFile)) {
-                setNotAllNecessaryKeywordsFoundParsingError(objectType);
-                setParsingResult(false);
+            std::vector<std::string> values;
+            if (!collectRuleKeywordsFromMap(
+                    ruleObject, objectType,
+                    {kAttributeKeyword, kFromValueKeyword, kToValueKeyword, kUpdateFileKeyword},
+                    values)) {
                 return false;
             }
             changeAllToAny(objectType);
             store->appendNewFileConstraintRule(
-                TOVFileConstraint(objectType, attribute, fromValue, toValue, updateFile));
+                TOVFileConstraint(objectType, values[0], values[1], values[2], values[3]));
             return true;
         });
 }

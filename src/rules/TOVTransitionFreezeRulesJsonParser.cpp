@@ -30,30 +30,16 @@ bool TOVTransitionFreezeRulesJsonParser::parseSection(rapidjson::Value& root,
                                                       TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
-            // The whole rule is read as a key-value map, so any member that is
-            // not a string fails it, a keyword or not.
-            AttributesMap keywords;
-            if (!collectKeyValuesPairsFromSection(ruleObject, keywords)) {
-                setErrorParsingTheKeysValuesMapOfAttribute(objectType);
-                setParsingResult(false);
-                return false;
-            }
-            // Here the keys must exist, but empty values are accepted.
-            std::string attribute;
-            std::string conditionAttribute;
-            std::string conditionValue;
-            if (!getValueofKeywordFromStringStringMap(kAttributeKeyword, keywords, attribute) ||
-                !getValueofKeywordFromStringStringMap(kConditionAttributeKeyword, keywords,
-                                                      conditionAttribute) ||
-                !getValueofKeywordFromStringStringMap(kConditionValueKeyword, keywords,
-                                                      conditionValue)) {
-                setNotAllNecessaryKeywordsFoundParsingError(objectType);
-                setParsingResult(false);
+            std::vector<std::string> values;
+            if (!collectRuleKeywordsFromMap(
+                    ruleObject, objectType,
+                    {kAttributeKeyword, kConditionAttributeKeyword, kConditionValueKeyword},
+                    values)) {
                 return false;
             }
             changeAllToAny(objectType);
             store->appendNewTransitionFreezeRule(
-                TOVTransitionFreeze(objectType, attribute, conditionAttribute, conditionValue));
+                TOVTransitionFreeze(objectType, values[0], values[1], values[2]));
             return true;
         });
 }

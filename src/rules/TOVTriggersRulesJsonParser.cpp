@@ -28,29 +28,14 @@ bool TOVTriggersRulesJsonParser::parseSection(rapidjson::Value& root,
                                               TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, "triggers", [&](rapidjson::Value& ruleObject, std::string& objectType) {
-            // The whole rule is a map of texts, so a member of any other type fails it.
-            AttributesMap keywords;
-            if (!collectKeyValuesPairsFromSection(ruleObject, keywords)) {
-                setErrorParsingTheKeysValuesMapOfAttribute(objectType);
-                setParsingResult(false);
-                return false;
-            }
-            // The keys must be there; empty values are fine.
-            std::string attribute;
-            std::string triggerInitialize;
-            std::string initializationValue;
-            if (!getValueofKeywordFromStringStringMap(kAttribute, keywords, attribute) ||
-                !getValueofKeywordFromStringStringMap(kTriggerInitialize, keywords,
-                                                      triggerInitialize) ||
-                !getValueofKeywordFromStringStringMap(kInitializationValue, keywords,
-                                                      initializationValue)) {
-                setNotAllNecessaryKeywordsFoundParsingError(objectType);
-                setParsingResult(false);
+            std::vector<std::string> values;
+            if (!collectRuleKeywordsFromMap(ruleObject, objectType,
+                                            {kAttribute, kTriggerInitialize, kInitializationValue},
+                                            values)) {
                 return false;
             }
             changeAllToAny(objectType);
-            store->appendNewTriggerRule(
-                TOVTrigger(objectType, attribute, triggerInitialize, initializationValue));
+            store->appendNewTriggerRule(TOVTrigger(objectType, values[0], values[1], values[2]));
             return true;
         });
 }
