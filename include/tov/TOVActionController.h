@@ -41,6 +41,12 @@ protected:
     bool isInputDataSufficientUpdateResponse(TOVResponse& response);
     // Exact lookup of a label; `out` is left alone on a miss.
     bool getInputStringWithThisLabel(const std::string& label, std::string& out);
+    // True when the input holds `label` with a non-empty value: what every
+    // controller asks before it parses.
+    bool hasNonEmptyInputWithThisLabel(const std::string& label);
+    // True when the label "Input_is_filepath" is present, whatever its value:
+    // the input is then the path of a JSON file.
+    bool isInputAJsonFilePath();
     // Refuse with "Uninitialized TOV rules" / "Uninitialized Dm Information".
     bool foundUninitializedRulesViolation(TOVResponse& response);
     bool foundUninitializedDMInfoViolation(TOVResponse& response);

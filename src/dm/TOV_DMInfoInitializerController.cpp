@@ -22,20 +22,15 @@ std::string TOV_DMInfoInitializerController::getInputDataLabelIdentifierForJsonF
 }
 
 bool TOV_DMInfoInitializerController::isInputDataSufficient() {
-    std::string input;
-    return getInputStringWithThisLabel(getInputDataLabelIdentifierForAllDMInfo(), input) &&
-           !input.empty();
+    return hasNonEmptyInputWithThisLabel(getInputDataLabelIdentifierForAllDMInfo());
 }
 
 bool TOV_DMInfoInitializerController::parseInputData(TOVResponse& response) {
     std::string input;
     getInputStringWithThisLabel(getInputDataLabelIdentifierForAllDMInfo(), input);
-    std::string unused;
-    const bool inputIsFilePath =
-        getInputStringWithThisLabel(getInputDataLabelIdentifierForJsonFilepath(), unused);
 
     TOV_DMInfoJsonParser parser(getLifecycleDMInfo());
-    const bool loaded = inputIsFilePath ? parser.fillFromFile(input) : parser.fillFromText(input);
+    const bool loaded = parser.load(input, isInputAJsonFilePath());
     if (loaded) {
         // The label is read even when the list failed, so one answer tells both.
         parser.parseStructureObjects();

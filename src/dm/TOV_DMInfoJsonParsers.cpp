@@ -16,24 +16,14 @@ const char* const kAttributes = "attributes";
 const char* const kType = "type";
 const char* const kPrimary = "primary";
 
-// Member names are compared whole, so a name with a zero byte inside never
-// passes for a keyword.
-bool isKeyword(const rapidjson::Value& name, const char* keyword) {
-    return std::string(name.GetString(), name.GetStringLength()) == keyword;
-}
-
 }  // namespace
 
 TOV_DMInfoJsonParser::TOV_DMInfoJsonParser(TOV_DMStructure* structure) : structure(structure) {}
 
 TOV_DMInfoJsonParser::~TOV_DMInfoJsonParser() = default;
 
-bool TOV_DMInfoJsonParser::fillFromFile(const std::string& path) {
-    return fillJsonDocumentFromJsonFile(path, document);
-}
-
-bool TOV_DMInfoJsonParser::fillFromText(const std::string& text) {
-    return fillJsonDocumentFromJsonString(text, document);
+bool TOV_DMInfoJsonParser::load(const std::string& input, bool inputIsFilePath) {
+    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
 bool TOV_DMInfoJsonParser::parseStructureObjects() {
@@ -101,14 +91,14 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
     std::string categoryWord;
     std::vector<TOV_DMAttribute> attributes;
     for (const auto& member : element.GetObject()) {
-        if (isKeyword(member.name, kName)) {
+        if (getMemberName(member.name) == kName) {
             if (!collectStringFromValue(member.value, name)) {
                 setAttributeValueStringParsingError(indexText, kName);
                 setParsingResult(false);
                 return false;
             }
             objectName = name;
-        } else if (isKeyword(member.name, kDMObjectType)) {
+        } else if (getMemberName(member.name) == kDMObjectType) {
             if (!collectStringFromValue(member.value, categoryWord)) {
                 // Once a name is known the rule name tells the object.
                 setAttributeValueStringParsingError(name.empty() ? indexText : std::string(),
@@ -116,7 +106,7 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
                 setParsingResult(false);
                 return false;
             }
-        } else if (isKeyword(member.name, kAttributes)) {
+        } else if (getMemberName(member.name) == kAttributes) {
             if (!parseAttributes(member.value, name, attributes)) {
                 return false;
             }
@@ -185,10 +175,10 @@ bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
     for (const auto& member : element.GetObject()) {
         const char* stringKeyword = nullptr;
         std::string* target = nullptr;
-        if (isKeyword(member.name, kName)) {
+        if (getMemberName(member.name) == kName) {
             stringKeyword = kName;
             target = &name;
-        } else if (isKeyword(member.name, kType)) {
+        } else if (getMemberName(member.name) == kType) {
             stringKeyword = kType;
             target = &typeWord;
         }
@@ -198,7 +188,7 @@ bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
                 setParsingResult(false);
                 return false;
             }
-        } else if (isKeyword(member.name, kPrimary)) {
+        } else if (getMemberName(member.name) == kPrimary) {
             primarySeen = true;
             if (!collectBoolFromValue(member.value, primary)) {
                 setAttributeValueBoolParsingError(objectName, kPrimary);

@@ -17,8 +17,8 @@ public:
     explicit TOV_DMInfoJsonParser(TOV_DMStructure* structure);
     ~TOV_DMInfoJsonParser() override;
 
-    bool fillFromFile(const std::string& path);
-    bool fillFromText(const std::string& text);
+    // Loads the document from the path of a file or from JSON text.
+    bool load(const std::string& input, bool inputIsFilePath);
     bool parseStructureObjects();
     bool parseOverwriteLabel();
 

@@ -1,5 +1,7 @@
 #include "tov/TOV_DMStructure.h"
 
+#include "dm/object_type_matching.h"
+
 #include <algorithm>
 
 #include "tov/TOVLogger.h"
@@ -119,4 +121,12 @@ void TOV_DMStructure::printContentsDBG(TOVLogger* logger) const {
     for (const TOV_DMStructureObject& object : objects) {
         object.printContentsDBG(logger);
     }
+}
+
+bool objectTypesMatch(const TOV_DMStructure* structure, const std::string& ruleType,
+                      const std::string& askedType) {
+    if (structure != nullptr) {
+        return structure->areObjectTypesThatShouldBeConsideredEqual(ruleType, askedType);
+    }
+    return areStringsEqualAccountingAlsoAnyValue(ruleType, askedType);
 }

@@ -43,6 +43,16 @@ int compareStringsIgnoringCase(const std::string& first, const std::string& seco
     return difference;
 }
 
+int compareKeysIgnoringCase(std::initializer_list<KeyPair> keys) {
+    for (const KeyPair& key : keys) {
+        const int order = compareStringsIgnoringCase(key.mine, key.theirs);
+        if (order != 0) {
+            return order;
+        }
+    }
+    return 0;
+}
+
 bool areStringsEqualSimple(const std::string& first, const std::string& second) {
     return compareStringsIgnoringCase(first, second) == 0;
 }

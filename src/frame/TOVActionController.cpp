@@ -1,5 +1,7 @@
 #include "tov/TOVActionController.h"
 
+#include "frame/input_labels.h"
+
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOV_DMStructure.h"
@@ -40,6 +42,15 @@ bool TOVActionController::getInputStringWithThisLabel(const std::string& label, 
     }
     out = found->second;
     return true;
+}
+
+bool TOVActionController::hasNonEmptyInputWithThisLabel(const std::string& label) {
+    std::string input;
+    return getInputStringWithThisLabel(label, input) && !input.empty();
+}
+
+bool TOVActionController::isInputAJsonFilePath() {
+    return inputData.count(kLabelInputIsFilepath) != 0;
 }
 
 bool TOVActionController::foundUninitializedRulesViolation(TOVResponse& response) {

@@ -56,6 +56,12 @@ bool TOVJsonParser::fillJsonDocumentFromJsonString(const std::string& text,
     return acceptParsedDocument(document);
 }
 
+bool TOVJsonParser::fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
+                                              rapidjson::Document& document) {
+    return inputIsFilePath ? fillJsonDocumentFromJsonFile(input, document)
+                           : fillJsonDocumentFromJsonString(input, document);
+}
+
 namespace {
 
 bool moveMemberOut(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out) {
@@ -115,6 +121,10 @@ bool TOVJsonParser::getStringNamesValuesPair(rapidjson::Value::ConstMemberIterat
     }
     name = member->name.GetString();
     return collectStringFromValue(member->value, value);
+}
+
+std::string TOVJsonParser::getMemberName(const rapidjson::Value& name) {
+    return std::string(name.GetString(), name.GetStringLength());
 }
 
 bool TOVJsonParser::collectStringsFromArray(const rapidjson::Value& value,

@@ -31,6 +31,9 @@ protected:
     // the comment becomes "Json has fundamental parsing error".
     bool fillJsonDocumentFromJsonFile(const std::string& path, rapidjson::Document& document);
     bool fillJsonDocumentFromJsonString(const std::string& text, rapidjson::Document& document);
+    // The file form when the input is a path, the text form otherwise.
+    bool fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
+                                   rapidjson::Document& document);
 
     // Each moves a present member into `out`, leaving a null behind, and says
     // whether it had the wanted type. A member can thus be fetched only once.
@@ -43,6 +46,9 @@ protected:
     bool collectStringFromValue(const rapidjson::Value& value, std::string& out);
     bool getStringNamesValuesPair(rapidjson::Value::ConstMemberIterator member, std::string& name,
                                   std::string& value);
+    // A member's name whole, so that a name with a zero byte inside never
+    // passes for a keyword.
+    static std::string getMemberName(const rapidjson::Value& name);
     bool collectStringsFromArray(const rapidjson::Value& value, std::vector<std::string>& out);
     // Inserts every string member; stops with false at the first member that is
     // not a string, keeping what came before.

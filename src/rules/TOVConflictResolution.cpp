@@ -1,6 +1,8 @@
 #include "tov/TOVConflictResolution.h"
 
+#include "dm/object_type_matching.h"
 #include "foundation/compare.h"
+#include "rules/rule_words.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
@@ -103,14 +105,7 @@ bool TOVConflictResolution::shouldTransitionBeForbidden(
 bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolution(
     const std::string& askedType, const AttributesMap& initial, const AttributesMap& target,
     const TOV_DMStructure* structure, TOVConflictResolutionValues& value) const {
-    bool typesMatch = false;
-    if (structure != nullptr) {
-        typesMatch = structure->areObjectTypesThatShouldBeConsideredEqual(objectType, askedType);
-    } else {
-        // Without a data model only plain equality and the wildcard can match.
-        typesMatch = areStringsEqualAccountingAlsoAnyValue(objectType, askedType);
-    }
-    if (!typesMatch) {
+    if (!objectTypesMatch(structure, objectType, askedType)) {
         return false;
     }
     return doesThisTransitionHaveAConstrainedConflictResolutionNoType(initial, target, value);
@@ -153,14 +148,7 @@ int TOVConflictResolution::compareFileUpdatedVal1AndVal2AccountingAlsoAnyValue(
 }
 
 void TOVConflictResolution::expressRuleInWords(std::string& text) const {
-    text += "For ";
-    text += objectType;
-    text += ": When ";
-    text += attribute;
-    text += " transitions from ";
-    text += createStringInQuotes(fromValue.c_str());
-    text += " to ";
-    text += createStringInQuotes(toValue.c_str());
+    appendTransitionInWords(objectType, attribute, fromValue, toValue, text);
     text += " ";
     if (fileUpdated != TOVUpdateFile_NotApplicable) {
         std::string fileWords;
@@ -210,14 +198,12 @@ void TOVConflictResolution::expressFileUpdateInWords(std::string& text) const {
 
 // The forced resolution takes no part: rules that differ only there are equivalent.
 bool TOVConflictResolution::operator<(const TOVConflictResolution& other) const {
-    const std::string* const mine[] = {&objectType, &attribute, &fromValue, &toValue};
-    const std::string* const theirs[] = {&other.objectType, &other.attribute, &other.fromValue,
-                                         &other.toValue};
-    for (int i = 0; i < 4; ++i) {
-        const int difference = compareStringsIgnoringCase(*mine[i], *theirs[i]);
-        if (difference != 0) {
-            return difference < 0;
-        }
+    const int order = compareKeysIgnoringCase({{objectType, other.objectType},
+                                               {attribute, other.attribute},
+                                               {fromValue, other.fromValue},
+                                               {toValue, other.toValue}});
+    if (order != 0) {
+        return order < 0;
     }
     return static_cast<int>(fileUpdated) < static_cast<int>(other.fileUpdated);
 }

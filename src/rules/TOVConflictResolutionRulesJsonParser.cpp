@@ -45,7 +45,7 @@ bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
             std::string conflictResolution;
             bool hasDifferentPrimaries = false;
             for (const auto& member : ruleObject.GetObject()) {
-                const std::string keyword = member.name.GetString();
+                const std::string keyword = getMemberName(member.name);
                 std::string* text = nullptr;
                 if (keyword == kAttributeKeyword) {
                     text = &attribute;

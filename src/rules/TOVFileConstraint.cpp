@@ -1,6 +1,7 @@
 #include "tov/TOVFileConstraint.h"
 
 #include "foundation/compare.h"
+#include "rules/rule_words.h"
 #include "tov/TOVLogger.h"
 #include "tov/attribute_packets.h"
 #include "tov/string_helpers.h"
@@ -118,30 +119,17 @@ void TOVFileConstraint::expressFileConstraintInWords(std::string& text) const {
 void TOVFileConstraint::expressRuleInWords(std::string& text) const {
     std::string constraintWords;
     expressFileConstraintInWords(constraintWords);
-    text += "For ";
-    text += objectType;
-    text += ": When ";
-    text += attribute;
-    text += " transitions from ";
-    text += createStringInQuotes(fromValue.c_str());
-    text += " to ";
-    text += createStringInQuotes(toValue.c_str());
+    appendTransitionInWords(objectType, attribute, fromValue, toValue, text);
     text += " ";
     text += constraintWords;
 }
 
 // The constraint takes no part: two rules for the same transition are equivalent.
 bool TOVFileConstraint::operator<(const TOVFileConstraint& other) const {
-    const std::string* const mine[] = {&objectType, &attribute, &fromValue, &toValue};
-    const std::string* const theirs[] = {&other.objectType, &other.attribute, &other.fromValue,
-                                         &other.toValue};
-    for (int i = 0; i < 4; ++i) {
-        const int difference = compareStringsIgnoringCase(*mine[i], *theirs[i]);
-        if (difference != 0) {
-            return difference < 0;
-        }
-    }
-    return false;
+    return compareKeysIgnoringCase({{objectType, other.objectType},
+                                    {attribute, other.attribute},
+                                    {fromValue, other.fromValue},
+                                    {toValue, other.toValue}}) < 0;
 }
 
 void TOVFileConstraint::printContentsDBG(TOVLogger* logger) const {

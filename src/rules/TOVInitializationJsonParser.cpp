@@ -14,12 +14,8 @@ TOVInitializationJsonParser::TOVInitializationJsonParser(TOVLifecycleBusinessRul
 
 TOVInitializationJsonParser::~TOVInitializationJsonParser() = default;
 
-bool TOVInitializationJsonParser::fillFromFile(const std::string& path) {
-    return fillJsonDocumentFromJsonFile(path, document);
-}
-
-bool TOVInitializationJsonParser::fillFromText(const std::string& text) {
-    return fillJsonDocumentFromJsonString(text, document);
+bool TOVInitializationJsonParser::load(const std::string& input, bool inputIsFilePath) {
+    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
 namespace {

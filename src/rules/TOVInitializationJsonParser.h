@@ -16,9 +16,8 @@ public:
     explicit TOVInitializationJsonParser(TOVLifecycleBusinessRules* store);
     ~TOVInitializationJsonParser() override;
 
-    // Loads the document from a file or from text.
-    bool fillFromFile(const std::string& path);
-    bool fillFromText(const std::string& text);
+    // Loads the document from the path of a file or from JSON text.
+    bool load(const std::string& input, bool inputIsFilePath);
     // Every section runs, whatever happened to those before, so one response
     // tells the first error of each.
     bool parseAllSections();

@@ -22,20 +22,15 @@ std::string TOVInitializerController::getInputDataLabelIdentifierForJsonFilepath
 }
 
 bool TOVInitializerController::isInputDataSufficient() {
-    std::string input;
-    return getInputStringWithThisLabel(getInputDataLabelIdentifierForAllRules(), input) &&
-           !input.empty();
+    return hasNonEmptyInputWithThisLabel(getInputDataLabelIdentifierForAllRules());
 }
 
 bool TOVInitializerController::parseInputData(TOVResponse& response) {
     std::string input;
     getInputStringWithThisLabel(getInputDataLabelIdentifierForAllRules(), input);
-    std::string unused;
-    const bool inputIsFilePath =
-        getInputStringWithThisLabel(getInputDataLabelIdentifierForJsonFilepath(), unused);
 
     TOVInitializationJsonParser parser(getLifecycleBusinessRules());
-    const bool loaded = inputIsFilePath ? parser.fillFromFile(input) : parser.fillFromText(input);
+    const bool loaded = parser.load(input, isInputAJsonFilePath());
     if (loaded) {
         parser.parseAllSections();
     }

@@ -2,20 +2,12 @@
 
 #include <algorithm>
 
+#include "dm/object_type_matching.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
 
 namespace {
-
-bool objectTypesMatch(const std::string& ruleType, const std::string& askedType,
-                      const TOV_DMStructure* structure) {
-    if (structure != nullptr) {
-        return structure->areObjectTypesThatShouldBeConsideredEqual(ruleType, askedType);
-    }
-    // Without a data model only plain equality and the wildcard can match.
-    return areStringsEqualAccountingAlsoAnyValue(ruleType, askedType);
-}
 
 // Attribute names are matched exactly: no case folding, no wildcard.
 bool listHoldsAttribute(const std::vector<std::string>& attributes, const std::string& name) {
@@ -57,7 +49,7 @@ bool TOVLifecycleBusinessRules::selectRelatedRules(const std::vector<Rule>& rule
                                                    std::vector<const Rule*>& related) {
     bool found = false;
     for (const Rule& rule : rules) {
-        if (objectTypesMatch(rule.getObjectType(), objectType, structure) &&
+        if (objectTypesMatch(structure, rule.getObjectType(), objectType) &&
             listHoldsAttribute(attributes, rule.getAttribute())) {
             related.push_back(&rule);
             found = true;
@@ -76,7 +68,7 @@ bool TOVLifecycleBusinessRules::selectRelatedLinkRules(const std::vector<Rule>& 
                                                        std::vector<const Rule*>& related) {
     bool found = false;
     for (const Rule& rule : rules) {
-        if (!objectTypesMatch(rule.getObjectType(), objectType, structure) ||
+        if (!objectTypesMatch(structure, rule.getObjectType(), objectType) ||
             !listHoldsAttribute(attributes, rule.getAttribute())) {
             continue;
         }
@@ -261,7 +253,7 @@ bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
     std::vector<const TOVVersioningSelection*>& related) const {
     bool found = false;
     for (const TOVVersioningSelection& rule : versioningSelections) {
-        if (objectTypesMatch(rule.getObjectType(), objectType, structure) &&
+        if (objectTypesMatch(structure, rule.getObjectType(), objectType) &&
             rule.mustSelectVersioningAttributesAccordingToRule(packet)) {
             related.push_back(&rule);
             found = true;

@@ -46,7 +46,7 @@ struct LinkRuleReader {
                      const std::string& objectType, const char* listKeyword,
                      LinkRuleKeywords& keywords) {
         for (const auto& member : ruleObject.GetObject()) {
-            const std::string keyword = member.name.GetString();
+            const std::string keyword = parser.getMemberName(member.name);
             std::string* text = nullptr;
             if (keyword == kAttribute) {
                 text = &keywords.attribute;

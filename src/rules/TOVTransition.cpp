@@ -75,14 +75,9 @@ void TOVTransition::expressRuleInWords(std::string& text) const {
 }
 
 bool TOVTransition::operator<(const TOVTransition& other) const {
-    int order = compareStringsIgnoringCase(objectType, other.objectType);
-    if (order == 0) {
-        order = compareStringsIgnoringCase(attribute, other.attribute);
-    }
-    if (order == 0) {
-        order = compareStringsIgnoringCase(fromValue, other.fromValue);
-    }
-    return order < 0;
+    return compareKeysIgnoringCase({{objectType, other.objectType},
+                                    {attribute, other.attribute},
+                                    {fromValue, other.fromValue}}) < 0;
 }
 
 bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,

@@ -64,15 +64,9 @@ void TOVTransitionFreeze::expressRuleInWords(std::string& text) const {
 // `attribute` is left out on purpose: rules that freeze different attributes
 // under one condition are equivalent for the sort.
 bool TOVTransitionFreeze::operator<(const TOVTransitionFreeze& other) const {
-    int order = compareStringsIgnoringCase(objectType, other.objectType);
-    if (order == 0) {
-        order =
-            compareStringsIgnoringCase(freezeConditionAttribute, other.freezeConditionAttribute);
-    }
-    if (order == 0) {
-        order = compareStringsIgnoringCase(freezeConditionValue, other.freezeConditionValue);
-    }
-    return order < 0;
+    return compareKeysIgnoringCase({{objectType, other.objectType},
+                                    {freezeConditionAttribute, other.freezeConditionAttribute},
+                                    {freezeConditionValue, other.freezeConditionValue}}) < 0;
 }
 
 void TOVTransitionFreeze::printContentsDBG(TOVLogger* logger) const {

@@ -37,7 +37,7 @@ bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
             std::string fromValue;
             std::vector<std::string> toValues;
             for (auto& member : ruleObject.GetObject()) {
-                const std::string keyword = member.name.GetString();
+                const std::string keyword = getMemberName(member.name);
                 bool collected = true;
                 if (keyword == kAttributeKeyword) {
                     collected = collectStringFromValue(member.value, attribute);

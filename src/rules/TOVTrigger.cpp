@@ -44,14 +44,9 @@ std::string TOVTrigger::getObjectType() const {
 }
 
 bool TOVTrigger::operator<(const TOVTrigger& other) const {
-    int order = compareStringsIgnoringCase(objectType, other.objectType);
-    if (order == 0) {
-        order = compareStringsIgnoringCase(attribute, other.attribute);
-    }
-    if (order == 0) {
-        order = compareStringsIgnoringCase(triggerInitialize, other.triggerInitialize);
-    }
-    return order < 0;
+    return compareKeysIgnoringCase({{objectType, other.objectType},
+                                    {attribute, other.attribute},
+                                    {triggerInitialize, other.triggerInitialize}}) < 0;
 }
 
 void TOVTrigger::printContentsDBG(TOVLogger* logger) const {

@@ -39,9 +39,7 @@ bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
             std::vector<std::string> versioningOptions;
 
             for (auto& member : ruleObject.GetObject()) {
-                // Names are compared whole, so that one with an embedded zero byte
-                // matches no keyword.
-                const std::string keyword(member.name.GetString(), member.name.GetStringLength());
+                const std::string keyword = getMemberName(member.name);
                 std::string* text = nullptr;
                 std::vector<std::string>* list = nullptr;
                 if (keyword == kConditionAttribute1) {

@@ -55,17 +55,10 @@ inline bool findFirstOffendingPacket(const LinkRuleView& rule,
 
 // Object type, attribute, from value, to value; the acceptable values take no part.
 inline bool precedes(const LinkRuleView& first, const LinkRuleView& second) {
-    const std::string* firstKeys[] = {&first.objectType, &first.attribute, &first.fromValue,
-                                      &first.toValue};
-    const std::string* secondKeys[] = {&second.objectType, &second.attribute, &second.fromValue,
-                                       &second.toValue};
-    for (std::size_t key = 0; key < 4; ++key) {
-        const int order = compareStringsIgnoringCase(*firstKeys[key], *secondKeys[key]);
-        if (order != 0) {
-            return order < 0;
-        }
-    }
-    return false;
+    return compareKeysIgnoringCase({{first.objectType, second.objectType},
+                                    {first.attribute, second.attribute},
+                                    {first.fromValue, second.fromValue},
+                                    {first.toValue, second.toValue}}) < 0;
 }
 
 // `neighbours` names whose values are constrained, e.g. " then its manual link

@@ -17,6 +17,7 @@
 #include <system_error>
 #include <vector>
 
+#include "frame/input_labels.h"
 #include "tov/TOVActionController.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVFunctionality.h"
@@ -441,6 +442,16 @@ TEST(EntryPointsCoreDataTest, CallsLeaveTheCoreDataPointersAlone) {
     EXPECT_EQ(coreData.getRules(), rules);
     EXPECT_EQ(coreData.getDmInfo(), dmInfo);
     EXPECT_EQ(coreData.getLogger(), logger);
+}
+
+// The labels under which each front desk files its input for its controller.
+TEST(EntryPointsLabels, EveryRequestKindHasItsExactLabel) {
+    EXPECT_STREQ(kLabelAllRules, "All_TOV_rules");
+    EXPECT_STREQ(kLabelAllDMInfo, "All_DM_Info");
+    EXPECT_STREQ(kLabelTransitionData, "All_transition_values");
+    EXPECT_STREQ(kLabelConflictsResolutionOptionsQuery, "Conflicts_Resolution_Options_query_data");
+    EXPECT_STREQ(kLabelLinkCreationData, "All_link_creation_values");
+    EXPECT_STREQ(kLabelInputIsFilepath, "Input_is_filepath");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/TOVResponseJsonParser.h"
 #include "tov/TOVResponse.h"
 #include "tov/vocabulary.h"
 
@@ -409,4 +410,17 @@ TEST(ResponseFormsReader, OtherMembersComeBackUnderTheirKeywords) {
     AttributesMap triggers;
     EXPECT_TRUE(reader.collectAttrsToTriggerInitialization(triggers));
     EXPECT_EQ(triggers, (AttributesMap{{"owner", "me"}, {"state", "New"}}));
+}
+
+// The reader's own comment never reaches the caller, but it is worded like
+// every other parser's.
+TEST(ResponseFormsReader, ParserNamesBothMandatoryKeywordsUnderItsRuleName) {
+    TOVResponse response;
+    TOVResponseJsonParser parser(&response);
+    EXPECT_FALSE(parser.fill(R"({"Result":"Success"})"));
+    EXPECT_FALSE(parser.getParsingResult());
+    EXPECT_EQ(parser.getParsingErrorComment(),
+              "TOV Response demands ALL keywords: [Result,ResultComment]");
+    EXPECT_EQ(response.turnResponseIntoASingleString(),
+              R"({"Result":"Failure","ResultComment":""})");
 }
