@@ -4,7 +4,7 @@
 set -eu
 
 PACKAGES="cmake ninja-build g++ clang pkg-config rapidjson-dev libgtest-dev libgmock-dev \
-libbenchmark-dev libcli11-dev libclang-rt-14-dev"
+libbenchmark-dev libcli11-dev libclang-rt-14-dev python3 python3-jsonschema"
 
 missing=""
 for package in $PACKAGES; do
