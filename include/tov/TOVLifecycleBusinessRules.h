@@ -104,6 +104,9 @@ public:
     // but triggers), each a kind label and the rule's sentence, in the order of
     // the debug print.
     std::vector<std::pair<std::string, std::string>> expressRulesInWords() const;
+    // The same walk over the trigger rules, which have no sentence: what each
+    // says, in store order, for a tool to word itself.
+    std::vector<TOVTriggerDescription> describeTriggerRules() const;
 
     // Every list under its heading, in a fixed order.
     void printContentsDBG(TOVLogger* logger) const;

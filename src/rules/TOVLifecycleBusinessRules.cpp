@@ -339,3 +339,13 @@ std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expr
     appendSentences("file constraint", fileConstraints, sentences);
     return sentences;
 }
+
+std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRules() const {
+    std::vector<TOVTriggerDescription> descriptions;
+    descriptions.reserve(triggers.size());
+    for (const TOVTrigger& rule : triggers) {
+        descriptions.push_back({rule.getObjectType(), rule.getAttribute(),
+                                rule.getTriggerInitialize(), rule.getInitializationValue()});
+    }
+    return descriptions;
+}
