@@ -44,4 +44,7 @@ set(TOV_SOURCES
   dm/TOV_DMInfoJsonParsers.cpp
   dm/TOV_DMStructure.cpp
   dm/TOV_DMStructureObject.cpp
+  # Evaluators
+  evaluators/TOVEditController.cpp
+  evaluators/TOVTransitionJsonParsers.cpp
 )

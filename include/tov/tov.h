@@ -5,6 +5,7 @@
 #include "tov/TOVActionController.h"
 #include "tov/TOVConflictResolution.h"
 #include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVEditController.h"
 #include "tov/TOVFileConstraint.h"
 #include "tov/TOVFrontdesk.h"
 #include "tov/TOVFunctionality.h"

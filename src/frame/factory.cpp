@@ -1,6 +1,7 @@
 #include <string>
 
 #include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVEditController.h"
 #include "tov/TOVInitializerController.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOVTransactionController.h"
@@ -14,6 +15,16 @@ TOVActionController* createProperController(TOVFunctionality functionality,
             return new TOVInitializerController(labeledInput, coreData);
         case TOVFunctionality_InitializeDMInfo:
             return new TOV_DMInfoInitializerController(labeledInput, coreData);
+        // The four edit flavours differ only in the two bools: a save attempt,
+        // and whether conflict resolution rules are left out.
+        case TOVFunctionality_EditAttemptBeforeConflictResolution:
+            return new TOVEditController(labeledInput, coreData, false, true);
+        case TOVFunctionality_EditAttempt:
+            return new TOVEditController(labeledInput, coreData, false, false);
+        case TOVFunctionality_SaveReprFileAttemptBeforeConflictResolution:
+            return new TOVEditController(labeledInput, coreData, true, true);
+        case TOVFunctionality_SaveReprFileAttempt:
+            return new TOVEditController(labeledInput, coreData, true, false);
         default: {
             // A functionality without a controller is a programmer's error.
             const std::string message = "ATTENTION!!! YOU FORGOT TO ADD " +

@@ -1,0 +1,180 @@
+// Judges one edit attempt, or one save attempt that also uploads the object's
+// representation file, against the loaded rules.
+//
+// The request is one JSON object under the label "All_transition_values":
+//   "objectType"          string, necessary
+//   "initialAttributes"   object of attribute name to string value, necessary
+//   "targetAttributes"    object of attribute name to string value, necessary
+//   "membersOfFamily"     object of server id to {"attributes": {...}}, optional
+//   "manualLinkAncestors" object of server id to {"attributes": {...}}, optional
+// Leaving a link section out says nothing about the linked objects; an empty
+// object says there are none. When a link rule applies to a section that was
+// left out, the response asks for it ("MissingData" under "ObjectFamilyMembers"
+// or "ManualLinkAncestors") and the host sends the whole request again.
+//
+// After parsing, `toValues` holds only the attributes that really change, plus
+// "_file_upload_" set to "true" for a save and "false" for an edit.
+#ifndef TOV_TOVEDITCONTROLLER_H_
+#define TOV_TOVEDITCONTROLLER_H_
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tov/TOVActionController.h"
+#include "tov/export.h"
+#include "tov/vocabulary.h"
+
+class TOVConflictResolution;
+class TOVFileConstraint;
+class TOVHistoryLink;
+class TOVManualLink;
+class TOVManualOrHistoryLinkJsonParser;
+class TOVTransition;
+class TOVTransitionFreeze;
+
+class TOV_API TOVEditController : public TOVActionController {
+public:
+    // The factory builds four flavours from the two bools: a save attempt
+    // (`updatingReprFile`) or a plain edit, judged with or without the
+    // conflict resolution rules. All four report functionality 3 to the base.
+    TOVEditController(const std::map<std::string, std::string>& labeledInput,
+                      TOVCoreDataControllers* coreData, bool updatingReprFile,
+                      bool ignoreConflictResolutionErrors);
+    TOVEditController(const TOVEditController& other) = default;
+    TOVEditController& operator=(const TOVEditController& other) = default;
+    ~TOVEditController() override;
+
+    // "All_transition_values".
+    static std::string getInputDataLabelIdentifierForTransitionData();
+    // "Input_is_filepath".
+    static std::string getInputDataLabelIdentifierForJsonFilepath();
+
+    // --- The request as parsed ---
+
+    bool amUpdatingReprFile() const;
+    bool shouldIgnoreConflictResolutionErrors() const;
+
+    const std::string& getObjectType() const;
+    void setObjectType(const std::string& type);
+    const AttributesMap& getFromValues() const;
+    void setFromValues(const AttributesMap& values);
+    const AttributesMap& getToValues() const;
+    void setToValues(const AttributesMap& values);
+
+    // Each family member and each manual link ancestor is a packet with its
+    // server id under "ServerId".
+    const std::vector<AttributesMap>& getHistoryLinks() const;
+    void setHistoryLinks(const std::vector<AttributesMap>& links);
+    bool haveHistoryLinksDataBeenProvided() const;
+    void setHistoryLinksDataHaveBeenProvided(bool provided);
+    const std::vector<AttributesMap>& getManualLinkAncestors() const;
+    void setManualLinkAncestors(const std::vector<AttributesMap>& ancestors);
+    bool haveManualLinkAncestorsDataBeenProvided() const;
+    void setManualLinkAncestorsDataHaveBeenProvided(bool provided);
+
+    // Copy the value and return true, or return false and leave `value` alone.
+    bool getFromValueOfAttribute(const std::string& name, std::string& value) const;
+    bool getFromValueOfAttribute(const char* name, std::string& value) const;
+    bool getToValueOfAttribute(const std::string& name, std::string& value) const;
+    bool getToValueOfAttribute(const char* name, std::string& value) const;
+
+    // --- Values calculated on first use ---
+
+    // The attributes whose values differ, ignoring case, between the raw
+    // initial and target packets; an attribute only one packet has is no edit.
+    const std::vector<std::string>& getAttributesToEdit();
+    // The keys of the initial packet, or of `toValues` for a new object.
+    const std::vector<std::string>& getAllAttributeNames();
+
+    bool haveAttributesToEditBeenCalculated() const;
+    void setAttributesToEditCalculated(bool calculated);
+    bool haveAllAttributeNamesBeenCalculated() const;
+    void setAllAttributeNamesBeenCalculated(bool calculated);
+    bool hasEditsPropertiesForFamilyDetectionBeenCalculated() const;
+    void setEditsPropertiesForFamilyDetectionBeenCalculated(bool calculated);
+    // The stored answer only; editsPropertiesUsedForObjectFamilyDetection
+    // calculates it.
+    bool getEditsPropertiesUsedForFamilyDetection() const;
+    void setEditsPropertiesUsedForFamilyDetection(bool edits);
+
+protected:
+    bool isInputDataSufficient() override;
+    bool parseInputData(TOVResponse& response) override;
+    // Runs the checks in a fixed order and stops at the first final violation.
+    // True when the attempt was approved or only data are missing.
+    bool evaluateRequest(TOVResponse& response) override;
+
+    // Whether the edit touches a property that decides which family the object
+    // belongs to; such an edit is spared the conflict resolution rules and the
+    // transition rules on secondary attributes.
+    bool editsPropertiesUsedForObjectFamilyDetection();
+
+private:
+    // The member parsers fill the linked objects through the appenders.
+    friend class TOVManualOrHistoryLinkJsonParser;
+
+    // --- Post-processing of a successful parse ---
+    void postProcessTheParsedData();
+    void calculateAttributesToEdit();
+    void calculateAllAttributeNames();
+    void sanitizeToValues();
+    void updateToValuesWithTheRepresentationFileUpdate();
+    void appendAnotherHistoryLinkObject(const AttributesMap& entry);
+    void appendAnotherManualAncestorObject(const AttributesMap& entry);
+
+    void calculateEditsPropertiesUsedForFamilyDetection();
+    bool calculateEditsPropertiesUsedForFamilyDetectionCore(
+        const std::vector<std::string>& familyProperties);
+
+    // --- The checks: true means that a rule objected ---
+    bool foundTransitionFreezeRuleViolation(TOVResponse& response);
+    bool foundTransitionRuleViolation(TOVResponse& response);
+    bool foundFileConstraintViolation(TOVResponse& response);
+    bool foundConflictResolutionViolation(TOVResponse& response);
+    bool foundHistoryLinkViolation(TOVResponse& response);
+    bool foundManualLinkViolation(TOVResponse& response);
+
+    bool getFirstTransitionFreezeRuleViolation(TOVTransitionFreeze& violated);
+    bool getFirstTransitionRuleViolation(TOVTransition& violated);
+    bool getFirstFileConstraintRuleViolation(TOVFileConstraint& violated);
+    bool getFirstConflictResolutionViolation(TOVConflictResolution& violated);
+    bool getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated, AttributesMap& offendingEntry,
+                                          bool& missingData);
+    bool getFirstManualLinkRuleViolation(TOVManualLink& violated, AttributesMap& offendingEntry,
+                                         bool& missingData);
+
+    bool shouldIgnoreTransitionRule(const TOVTransition& rule);
+    bool shouldCheckForConflictResolutionViolations();
+
+    void composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,
+                                               const AttributesMap& offendingEntry,
+                                               bool missingData, std::string& comment);
+    void composeCommentForManualLinkViolation(const TOVManualLink& rule,
+                                              const AttributesMap& offendingEntry, bool missingData,
+                                              std::string& comment);
+    void markResponseWithHistoryLinkMissingData(TOVResponse& response);
+    void markResponseWithManualLinkMissingData(TOVResponse& response);
+    bool isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response);
+    bool isResponseMarkedWithManualLinkMissingData(const TOVResponse& response);
+
+    void updateResponseOnSuccess(TOVResponse& response);
+
+    bool updatingReprFile;
+    std::string objectType;
+    AttributesMap fromValues;
+    AttributesMap toValues;
+    std::vector<AttributesMap> historyLinks;
+    bool historyLinksDataProvided;
+    std::vector<AttributesMap> manualLinkAncestors;
+    bool manualLinkAncestorsDataProvided;
+    std::vector<std::string> attributesToEdit;
+    std::vector<std::string> allAttributeNames;
+    bool ignoreConflictResolutionErrors;
+    bool attributesToEditCalculated;
+    bool editsPropertiesForFamilyDetectionCalculated;
+    bool editsPropertiesUsedForFamilyDetection;
+    bool allAttributeNamesCalculated;
+};
+
+#endif  // TOV_TOVEDITCONTROLLER_H_

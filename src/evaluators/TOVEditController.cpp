@@ -1,0 +1,598 @@
+#include "tov/TOVEditController.h"
+
+#include <algorithm>
+
+#include "evaluators/TOVTransitionJsonParsers.h"
+#include "frame/input_labels.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/attribute_packets.h"
+#include "tov/string_helpers.h"
+
+TOVEditController::TOVEditController(const std::map<std::string, std::string>& labeledInput,
+                                     TOVCoreDataControllers* coreData, bool updatingReprFile,
+                                     bool ignoreConflictResolutionErrors)
+    // The flavour lives in the two bools; the base always hears "edit attempt".
+    : TOVActionController(TOVFunctionality_EditAttempt, labeledInput, coreData),
+      updatingReprFile(updatingReprFile),
+      historyLinksDataProvided(false),
+      manualLinkAncestorsDataProvided(false),
+      ignoreConflictResolutionErrors(ignoreConflictResolutionErrors),
+      attributesToEditCalculated(false),
+      editsPropertiesForFamilyDetectionCalculated(false),
+      editsPropertiesUsedForFamilyDetection(false),
+      allAttributeNamesCalculated(false) {}
+
+TOVEditController::~TOVEditController() = default;
+
+std::string TOVEditController::getInputDataLabelIdentifierForTransitionData() {
+    return kLabelTransitionData;
+}
+
+std::string TOVEditController::getInputDataLabelIdentifierForJsonFilepath() {
+    return kLabelInputIsFilepath;
+}
+
+// --- Accessors ---
+
+bool TOVEditController::amUpdatingReprFile() const {
+    return updatingReprFile;
+}
+
+bool TOVEditController::shouldIgnoreConflictResolutionErrors() const {
+    return ignoreConflictResolutionErrors;
+}
+
+const std::string& TOVEditController::getObjectType() const {
+    return objectType;
+}
+
+void TOVEditController::setObjectType(const std::string& type) {
+    objectType = type;
+}
+
+const AttributesMap& TOVEditController::getFromValues() const {
+    return fromValues;
+}
+
+void TOVEditController::setFromValues(const AttributesMap& values) {
+    fromValues = values;
+}
+
+const AttributesMap& TOVEditController::getToValues() const {
+    return toValues;
+}
+
+void TOVEditController::setToValues(const AttributesMap& values) {
+    toValues = values;
+}
+
+const std::vector<AttributesMap>& TOVEditController::getHistoryLinks() const {
+    return historyLinks;
+}
+
+void TOVEditController::setHistoryLinks(const std::vector<AttributesMap>& links) {
+    historyLinks = links;
+}
+
+bool TOVEditController::haveHistoryLinksDataBeenProvided() const {
+    return historyLinksDataProvided;
+}
+
+void TOVEditController::setHistoryLinksDataHaveBeenProvided(bool provided) {
+    historyLinksDataProvided = provided;
+}
+
+const std::vector<AttributesMap>& TOVEditController::getManualLinkAncestors() const {
+    return manualLinkAncestors;
+}
+
+void TOVEditController::setManualLinkAncestors(const std::vector<AttributesMap>& ancestors) {
+    manualLinkAncestors = ancestors;
+}
+
+bool TOVEditController::haveManualLinkAncestorsDataBeenProvided() const {
+    return manualLinkAncestorsDataProvided;
+}
+
+void TOVEditController::setManualLinkAncestorsDataHaveBeenProvided(bool provided) {
+    manualLinkAncestorsDataProvided = provided;
+}
+
+bool TOVEditController::getFromValueOfAttribute(const std::string& name, std::string& value) const {
+    return getValueofKeywordFromStringStringMap(name, fromValues, value);
+}
+
+bool TOVEditController::getFromValueOfAttribute(const char* name, std::string& value) const {
+    return name != nullptr && getFromValueOfAttribute(std::string(name), value);
+}
+
+bool TOVEditController::getToValueOfAttribute(const std::string& name, std::string& value) const {
+    return getValueofKeywordFromStringStringMap(name, toValues, value);
+}
+
+bool TOVEditController::getToValueOfAttribute(const char* name, std::string& value) const {
+    return name != nullptr && getToValueOfAttribute(std::string(name), value);
+}
+
+const std::vector<std::string>& TOVEditController::getAttributesToEdit() {
+    if (!attributesToEditCalculated) {
+        calculateAttributesToEdit();
+    }
+    return attributesToEdit;
+}
+
+const std::vector<std::string>& TOVEditController::getAllAttributeNames() {
+    if (!allAttributeNamesCalculated) {
+        calculateAllAttributeNames();
+    }
+    return allAttributeNames;
+}
+
+bool TOVEditController::haveAttributesToEditBeenCalculated() const {
+    return attributesToEditCalculated;
+}
+
+void TOVEditController::setAttributesToEditCalculated(bool calculated) {
+    attributesToEditCalculated = calculated;
+}
+
+bool TOVEditController::haveAllAttributeNamesBeenCalculated() const {
+    return allAttributeNamesCalculated;
+}
+
+void TOVEditController::setAllAttributeNamesBeenCalculated(bool calculated) {
+    allAttributeNamesCalculated = calculated;
+}
+
+bool TOVEditController::hasEditsPropertiesForFamilyDetectionBeenCalculated() const {
+    return editsPropertiesForFamilyDetectionCalculated;
+}
+
+void TOVEditController::setEditsPropertiesForFamilyDetectionBeenCalculated(bool calculated) {
+    editsPropertiesForFamilyDetectionCalculated = calculated;
+}
+
+bool TOVEditController::getEditsPropertiesUsedForFamilyDetection() const {
+    return editsPropertiesUsedForFamilyDetection;
+}
+
+void TOVEditController::setEditsPropertiesUsedForFamilyDetection(bool edits) {
+    editsPropertiesUsedForFamilyDetection = edits;
+}
+
+// --- Input ---
+
+bool TOVEditController::isInputDataSufficient() {
+    return hasNonEmptyInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
+}
+
+bool TOVEditController::parseInputData(TOVResponse& response) {
+    std::string input;
+    getInputStringWithThisLabel(getInputDataLabelIdentifierForTransitionData(), input);
+
+    TOVTransitionJsonParser parser(this);
+    if (parser.load(input, isInputAJsonFilePath())) {
+        parser.parseAllSections();
+    }
+    if (parser.getParsingResult()) {
+        postProcessTheParsedData();
+        return true;
+    }
+    response.setGeneralResult(false);
+    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
+    return false;
+}
+
+// The order matters: the edits are taken from the raw packets, before the
+// target shrinks to them and gains the file-upload word.
+void TOVEditController::postProcessTheParsedData() {
+    if (!attributesToEditCalculated) {
+        calculateAttributesToEdit();
+    }
+    sanitizeToValues();
+    updateToValuesWithTheRepresentationFileUpdate();
+}
+
+void TOVEditController::calculateAttributesToEdit() {
+    // "<any>" is an ordinary value here: the host states real values.
+    getWhichKeysHaveDifferentValuesInPackets(fromValues, toValues, false, attributesToEdit);
+    attributesToEditCalculated = true;
+}
+
+void TOVEditController::calculateAllAttributeNames() {
+    // A new object has no initial packet; its target names every attribute.
+    const std::vector<std::string> names = getKeysOfMap(fromValues.empty() ? toValues : fromValues);
+    allAttributeNames.insert(allAttributeNames.end(), names.begin(), names.end());
+    allAttributeNamesCalculated = true;
+}
+
+void TOVEditController::sanitizeToValues() {
+    // Without an initial packet every target attribute is new, so all stay.
+    if (fromValues.empty()) {
+        return;
+    }
+    AttributesMap changing;
+    for (const std::string& name : getAttributesToEdit()) {
+        const auto entry = toValues.find(name);
+        if (entry != toValues.end()) {
+            changing.insert(*entry);
+        }
+    }
+    toValues = changing;
+}
+
+void TOVEditController::updateToValuesWithTheRepresentationFileUpdate() {
+    // The file constraint and conflict resolution rules read the difference
+    // between an edit and a save from this word.
+    setThisPacketFileUpdatingValue(toValues, updatingReprFile);
+}
+
+void TOVEditController::appendAnotherHistoryLinkObject(const AttributesMap& entry) {
+    historyLinks.push_back(entry);
+    historyLinksDataProvided = true;
+}
+
+void TOVEditController::appendAnotherManualAncestorObject(const AttributesMap& entry) {
+    manualLinkAncestors.push_back(entry);
+    manualLinkAncestorsDataProvided = true;
+}
+
+// --- Family detection ---
+
+bool TOVEditController::editsPropertiesUsedForObjectFamilyDetection() {
+    if (!editsPropertiesForFamilyDetectionCalculated) {
+        calculateEditsPropertiesUsedForFamilyDetection();
+    }
+    return editsPropertiesUsedForFamilyDetection;
+}
+
+void TOVEditController::calculateEditsPropertiesUsedForFamilyDetection() {
+    std::vector<std::string> familyProperties;
+    // An object type the data model does not know leaves the list empty.
+    getLifecycleDMInfo()->collectAttrsForObjectFamilyDetection(objectType, familyProperties);
+    editsPropertiesUsedForFamilyDetection =
+        calculateEditsPropertiesUsedForFamilyDetectionCore(familyProperties);
+    editsPropertiesForFamilyDetectionCalculated = true;
+}
+
+bool TOVEditController::calculateEditsPropertiesUsedForFamilyDetectionCore(
+    const std::vector<std::string>& familyProperties) {
+    for (const std::string& name : getAttributesToEdit()) {
+        if (std::find(familyProperties.begin(), familyProperties.end(), name) !=
+            familyProperties.end()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// --- The chain ---
+
+bool TOVEditController::evaluateRequest(TOVResponse& response) {
+    if (foundUninitializedRulesViolation(response)) {
+        return false;
+    }
+    if (foundTransitionFreezeRuleViolation(response)) {
+        return false;
+    }
+    if (foundTransitionRuleViolation(response)) {
+        return false;
+    }
+    if (foundFileConstraintViolation(response)) {
+        return false;
+    }
+    // Only here: the rule checks above can judge by object type names alone.
+    if (foundUninitializedDMInfoViolation(response)) {
+        return false;
+    }
+    if (foundConflictResolutionViolation(response)) {
+        return false;
+    }
+
+    // Missing family data do not stop the chain, so that one answer asks for
+    // everything a re-evaluation needs.
+    bool approvedSoFar = true;
+    if (foundHistoryLinkViolation(response)) {
+        approvedSoFar = false;
+        if (!isResponseMarkedWithHistoryLinkMissingData(response)) {
+            return false;
+        }
+    }
+    if (foundManualLinkViolation(response)) {
+        return isResponseMarkedWithManualLinkMissingData(response);
+    }
+    if (!approvedSoFar) {
+        return true;
+    }
+
+    updateResponseOnSuccess(response);
+    return true;
+}
+
+namespace {
+
+// Composes the refusal of a rule check: the prefix, then the rule in words.
+template <typename Rule>
+void refuseForRule(const char* prefix, const Rule& rule, TOVResponse& response) {
+    response.setGeneralResult(false);
+    std::string comment = prefix;
+    rule.expressRuleInWords(comment);
+    response.appendToGeneralResultComment(comment.c_str());
+}
+
+}  // namespace
+
+bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response) {
+    TOVTransitionFreeze violated;
+    if (!getFirstTransitionFreezeRuleViolation(violated)) {
+        return false;
+    }
+    refuseForRule("Transition freeze violation detected: ", violated, response);
+    return true;
+}
+
+bool TOVEditController::foundTransitionRuleViolation(TOVResponse& response) {
+    TOVTransition violated;
+    if (!getFirstTransitionRuleViolation(violated)) {
+        return false;
+    }
+    refuseForRule("Transition violation detected: ", violated, response);
+    return true;
+}
+
+bool TOVEditController::foundFileConstraintViolation(TOVResponse& response) {
+    TOVFileConstraint violated;
+    if (!getFirstFileConstraintRuleViolation(violated)) {
+        return false;
+    }
+    refuseForRule("File constraint violation detected: ", violated, response);
+    return true;
+}
+
+bool TOVEditController::foundConflictResolutionViolation(TOVResponse& response) {
+    if (!shouldCheckForConflictResolutionViolations()) {
+        return false;
+    }
+    TOVConflictResolution violated;
+    if (!getFirstConflictResolutionViolation(violated)) {
+        return false;
+    }
+    refuseForRule("Conflict resolution violation detected: ", violated, response);
+    return true;
+}
+
+bool TOVEditController::getFirstTransitionFreezeRuleViolation(TOVTransitionFreeze& violated) {
+    const std::vector<std::string>& edited = getAttributesToEdit();
+    std::vector<const TOVTransitionFreeze*> related;
+    getLifecycleBusinessRules()->getRelatedTransitionFreezeRules(objectType, edited,
+                                                                 getLifecycleDMInfo(), related);
+    // The walk goes on after a find, so the comment tells the rule of the last
+    // frozen attribute; freezing depends on the values before the edit only.
+    bool found = false;
+    for (const std::string& name : edited) {
+        for (const TOVTransitionFreeze* rule : related) {
+            if (rule->shouldPackageBeFrozen(name, fromValues)) {
+                violated = *rule;
+                found = true;
+                break;
+            }
+        }
+    }
+    return found;
+}
+
+bool TOVEditController::getFirstTransitionRuleViolation(TOVTransition& violated) {
+    std::vector<const TOVTransition*> related;
+    getLifecycleBusinessRules()->getRelatedTransitionRules(objectType, getAllAttributeNames(),
+                                                           getLifecycleDMInfo(), related);
+    for (const TOVTransition* rule : related) {
+        if (shouldIgnoreTransitionRule(*rule)) {
+            continue;
+        }
+        if (rule->shouldTransitionBeForbidden(fromValues, toValues)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool TOVEditController::getFirstFileConstraintRuleViolation(TOVFileConstraint& violated) {
+    std::vector<const TOVFileConstraint*> related;
+    getLifecycleBusinessRules()->getRelatedFileConstraintRules(objectType, getAllAttributeNames(),
+                                                               getLifecycleDMInfo(), related);
+    for (const TOVFileConstraint* rule : related) {
+        if (rule->shouldTransitionBeForbidden(fromValues, toValues)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool TOVEditController::getFirstConflictResolutionViolation(TOVConflictResolution& violated) {
+    std::vector<const TOVConflictResolution*> related;
+    getLifecycleBusinessRules()->getRelatedConflictResolutionRules(
+        objectType, getAllAttributeNames(), getLifecycleDMInfo(), related);
+    // An unknown object type has no versioning attributes: every edit then
+    // counts as an overwrite.
+    std::vector<std::string> versioningAttributes;
+    getLifecycleDMInfo()->collectVersioningAttributesOfObject(objectType, versioningAttributes);
+    for (const TOVConflictResolution* rule : related) {
+        if (rule->shouldTransitionBeForbidden(fromValues, toValues, versioningAttributes)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool TOVEditController::shouldIgnoreTransitionRule(const TOVTransition& rule) {
+    // Moving an object to another family is not held to the rules on its
+    // secondary attributes.
+    return editsPropertiesUsedForObjectFamilyDetection() &&
+           rule.constrainsSecondaryAttribute(objectType, getLifecycleDMInfo());
+}
+
+bool TOVEditController::shouldCheckForConflictResolutionViolations() {
+    if (shouldIgnoreConflictResolutionErrors()) {
+        return false;
+    }
+    return !editsPropertiesUsedForObjectFamilyDetection();
+}
+
+// --- Link checks ---
+
+namespace {
+
+// "<heading>No entries provided to check rule:<rule>" when the linked objects
+// were left out, else "<heading>Entry with server id "<id>" violates rule:<rule>".
+template <typename Rule>
+void composeLinkViolationComment(const char* heading, const Rule& rule,
+                                 const AttributesMap& offendingEntry, bool missingData,
+                                 std::string& comment) {
+    comment = heading;
+    if (missingData) {
+        comment += "No entries provided to check rule:";
+    } else {
+        comment += "Entry with server id ";
+        comment += createStringInQuotes(getTOVServerIdFromAttributesMap(offendingEntry).c_str());
+        comment += " violates rule:";
+    }
+    rule.expressRuleInWords(comment);
+}
+
+}  // namespace
+
+bool TOVEditController::foundHistoryLinkViolation(TOVResponse& response) {
+    TOVHistoryLink violated;
+    AttributesMap offendingEntry;
+    bool missingData = false;
+    if (!getFirstHistoryLinkRuleViolation(violated, offendingEntry, missingData)) {
+        return false;
+    }
+    response.setGeneralResult(false);
+    std::string comment;
+    composeCommentForHistoryLinkViolation(violated, offendingEntry, missingData, comment);
+    response.appendToGeneralResultComment(comment.c_str());
+    if (missingData) {
+        markResponseWithHistoryLinkMissingData(response);
+    }
+    return true;
+}
+
+bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
+    TOVManualLink violated;
+    AttributesMap offendingEntry;
+    bool missingData = false;
+    if (!getFirstManualLinkRuleViolation(violated, offendingEntry, missingData)) {
+        return false;
+    }
+    response.setGeneralResult(false);
+    std::string comment;
+    composeCommentForManualLinkViolation(violated, offendingEntry, missingData, comment);
+    response.appendToGeneralResultComment(comment.c_str());
+    if (missingData) {
+        markResponseWithManualLinkMissingData(response);
+    }
+    return true;
+}
+
+bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated,
+                                                         AttributesMap& offendingEntry,
+                                                         bool& missingData) {
+    // Looked up by every attribute of the object: a family rule holds whenever
+    // the object stands on the rule's value, whether or not this edit put it there.
+    std::vector<const TOVHistoryLink*> related;
+    getLifecycleBusinessRules()->getRelatedHistoryLinkRulesExact(
+        objectType, getAllAttributeNames(), fromValues, toValues, getLifecycleDMInfo(), related,
+        getLifecycleLogger());
+    if (related.empty()) {
+        return false;
+    }
+    if (!historyLinksDataProvided) {
+        violated = *related.front();
+        missingData = true;
+        return true;
+    }
+    for (const TOVHistoryLink* rule : related) {
+        if (rule->foundHistoryLinkObjectViolatingRule(historyLinks, offendingEntry)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
+                                                        AttributesMap& offendingEntry,
+                                                        bool& missingData) {
+    // Looked up by the edited attributes only: a manual link rule judges the
+    // step onto its value, not an object that already stands there.
+    std::vector<const TOVManualLink*> related;
+    getLifecycleBusinessRules()->getRelatedManualLinkRulesExact(
+        objectType, getAttributesToEdit(), fromValues, toValues, getLifecycleDMInfo(), related,
+        getLifecycleLogger());
+    if (related.empty()) {
+        return false;
+    }
+    if (!manualLinkAncestorsDataProvided) {
+        violated = *related.front();
+        missingData = true;
+        return true;
+    }
+    for (const TOVManualLink* rule : related) {
+        if (rule->foundManualAncestorViolatingRule(manualLinkAncestors, offendingEntry)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+void TOVEditController::composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,
+                                                              const AttributesMap& offendingEntry,
+                                                              bool missingData,
+                                                              std::string& comment) {
+    composeLinkViolationComment("History Link violation detected.", rule, offendingEntry,
+                                missingData, comment);
+}
+
+void TOVEditController::composeCommentForManualLinkViolation(const TOVManualLink& rule,
+                                                             const AttributesMap& offendingEntry,
+                                                             bool missingData,
+                                                             std::string& comment) {
+    composeLinkViolationComment("Manual Ancestor Link violation detected.", rule, offendingEntry,
+                                missingData, comment);
+}
+
+void TOVEditController::markResponseWithHistoryLinkMissingData(TOVResponse& response) {
+    response.setThisKeywordToReportMissingData(TOVResponseKeyword_ObjectFamilyMembers);
+}
+
+void TOVEditController::markResponseWithManualLinkMissingData(TOVResponse& response) {
+    response.setThisKeywordToReportMissingData(TOVResponseKeyword_ManualAncestors);
+}
+
+bool TOVEditController::isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response) {
+    return response.doesThisKeywordReportMissingData(TOVResponseKeyword_ObjectFamilyMembers);
+}
+
+bool TOVEditController::isResponseMarkedWithManualLinkMissingData(const TOVResponse& response) {
+    return response.doesThisKeywordReportMissingData(TOVResponseKeyword_ManualAncestors);
+}
+
+// --- Approval ---
+
+void TOVEditController::updateResponseOnSuccess(TOVResponse& response) {
+    response.setGeneralResult(true);
+    response.setGeneralResultComment(updatingReprFile ? "Save attempt approved"
+                                                      : "Edit attempt approved");
+}

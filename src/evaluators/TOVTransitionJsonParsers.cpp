@@ -1,0 +1,266 @@
+#include "evaluators/TOVTransitionJsonParsers.h"
+
+#include "tov/TOVEditController.h"
+#include "tov/attribute_packets.h"
+#include "tov/string_helpers.h"
+#include "tov/vocabulary.h"
+
+namespace {
+
+// Plain constants: initialised before any call, so concurrent first use is safe.
+constexpr const char* kMembersOfFamily = "membersOfFamily";
+constexpr const char* kManualLinkAncestors = "manualLinkAncestors";
+
+}  // namespace
+
+// --- TOVTransitionJsonParser ---
+
+TOVTransitionJsonParser::TOVTransitionJsonParser(TOVEditController* controller)
+    : controller(controller) {}
+
+TOVTransitionJsonParser::~TOVTransitionJsonParser() = default;
+
+bool TOVTransitionJsonParser::load(const std::string& input, bool inputIsFilePath) {
+    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+}
+
+namespace {
+
+// Runs one section parser on a fresh instance and hands back its outcome.
+template <typename SectionParser>
+bool runSection(rapidjson::Value& root, TOVEditController* controller, std::string& comment,
+                bool& result) {
+    SectionParser parser;
+    const bool parsed = parser.parseSection(root, controller);
+    comment = parser.getParsingErrorComment();
+    result = parser.getParsingResult();
+    return parsed;
+}
+
+}  // namespace
+
+bool TOVTransitionJsonParser::parseAllSections() {
+    if (controller == nullptr) {
+        return false;
+    }
+    // The order of the sections is the order of their messages.
+    using Runner = bool (*)(rapidjson::Value&, TOVEditController*, std::string&, bool&);
+    const Runner sections[] = {
+        runSection<TOVMembersOfFamilyJsonParser>,  runSection<TOVManualLinkAncestorsJsonParser>,
+        runSection<TOVEditorObjectTypeJsonParser>, runSection<TOVInitialAttributesParser>,
+        runSection<TOVTargetAttributesParser>,
+    };
+    bool allParsed = true;
+    for (const Runner run : sections) {
+        std::string comment;
+        bool result = true;
+        allParsed = run(document, controller, comment, result) && allParsed;
+        appendToParsingErrorComment(comment.c_str());
+        updateParsingResult(result);
+    }
+    return allParsed;
+}
+
+// --- TOVManualOrHistoryLinkJsonParser ---
+
+bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(rapidjson::Value& root,
+                                                                 const char* keyword,
+                                                                 LinkedObjects kind,
+                                                                 TOVEditController* controller) {
+    rapidjson::Value section;
+    if (!getJsonSection(root, keyword, section)) {
+        return true;
+    }
+    // An empty object is a statement too: the object has no such links.
+    if (kind == LinkedObjects::kFamilyMembers) {
+        controller->setHistoryLinksDataHaveBeenProvided(true);
+    } else {
+        controller->setManualLinkAncestorsDataHaveBeenProvided(true);
+    }
+    for (const auto& member : section.GetObject()) {
+        if (!parseMember(getMemberName(member.name), member.value, kind, controller)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool TOVManualOrHistoryLinkJsonParser::parseMember(const std::string& serverId,
+                                                   const rapidjson::Value& member,
+                                                   LinkedObjects kind,
+                                                   TOVEditController* controller) {
+    if (!member.IsObject()) {
+        setMemberDataNotAMapError(serverId);
+        setParsingResult(false);
+        return false;
+    }
+    for (const auto& entry : member.GetObject()) {
+        const std::string keyword = getMemberName(entry.name);
+        if (keyword != TOVManualLinksJson_Attributes) {
+            setMemberUnknownKeywordError(serverId, keyword);
+            setParsingResult(false);
+            return false;
+        }
+        if (!entry.value.IsObject()) {
+            setMemberAttributesNotAMapError(serverId);
+            setParsingResult(false);
+            return false;
+        }
+        AttributesMap attributes;
+        if (!collectKeyValuesPairsFromSection(entry.value, attributes)) {
+            setErrorParsingTheKeysValuesMapOfAttribute(std::string(TOVManualLinksJson_Attributes) +
+                                                       " of " + serverId);
+            setParsingResult(false);
+            return false;
+        }
+        // The id goes in last, so that it wins over an attribute of that name.
+        setTOVServerIdIntoAttributesMap(serverId, attributes);
+        if (kind == LinkedObjects::kFamilyMembers) {
+            controller->appendAnotherHistoryLinkObject(attributes);
+        } else {
+            controller->appendAnotherManualAncestorObject(attributes);
+        }
+    }
+    return true;
+}
+
+void TOVManualOrHistoryLinkJsonParser::composeMemberError(const std::string& serverId,
+                                                          const std::string& detail) {
+    const std::string message = getRuleName() + "Member with server id" +
+                                createStringInQuotes(serverId.c_str()) + ":" + detail;
+    appendToParsingErrorComment(message.c_str());
+}
+
+void TOVManualOrHistoryLinkJsonParser::setMemberDataNotAMapError(const std::string& serverId) {
+    composeMemberError(serverId, "Data should be a map");
+}
+
+void TOVManualOrHistoryLinkJsonParser::setMemberUnknownKeywordError(const std::string& serverId,
+                                                                    const std::string& keyword) {
+    composeMemberError(serverId, "Unknown keyword " + createStringInQuotes(keyword.c_str()));
+}
+
+void TOVManualOrHistoryLinkJsonParser::setMemberAttributesNotAMapError(
+    const std::string& serverId) {
+    composeMemberError(serverId, "Attributes should be a map.");
+}
+
+// --- TOVMembersOfFamilyJsonParser ---
+
+TOVMembersOfFamilyJsonParser::~TOVMembersOfFamilyJsonParser() = default;
+
+bool TOVMembersOfFamilyJsonParser::parseSection(rapidjson::Value& root,
+                                                TOVEditController* controller) {
+    return parseLinkedObjectsSection(root, kMembersOfFamily, LinkedObjects::kFamilyMembers,
+                                     controller);
+}
+
+std::string TOVMembersOfFamilyJsonParser::getRuleName() {
+    return "Members of family";
+}
+
+void TOVMembersOfFamilyJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(kMembersOfFamily);
+}
+
+// --- TOVManualLinkAncestorsJsonParser ---
+
+TOVManualLinkAncestorsJsonParser::~TOVManualLinkAncestorsJsonParser() = default;
+
+bool TOVManualLinkAncestorsJsonParser::parseSection(rapidjson::Value& root,
+                                                    TOVEditController* controller) {
+    return parseLinkedObjectsSection(root, kManualLinkAncestors,
+                                     LinkedObjects::kManualLinkAncestors, controller);
+}
+
+std::string TOVManualLinkAncestorsJsonParser::getRuleName() {
+    return "Manual Link Ancestors";
+}
+
+void TOVManualLinkAncestorsJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(kManualLinkAncestors);
+}
+
+// --- TOVEditorObjectTypeJsonParser ---
+
+TOVEditorObjectTypeJsonParser::~TOVEditorObjectTypeJsonParser() = default;
+
+bool TOVEditorObjectTypeJsonParser::parseSection(rapidjson::Value& root,
+                                                 TOVEditController* controller) {
+    rapidjson::Value value;
+    if (!getJsonStringSection(root, TOVTransitionJson_ObjectType, value)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    std::string objectType;
+    collectStringFromValue(value, objectType);
+    controller->setObjectType(objectType);
+    return true;
+}
+
+std::string TOVEditorObjectTypeJsonParser::getRuleName() {
+    return "Object Type";
+}
+
+void TOVEditorObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(TOVTransitionJson_ObjectType);
+}
+
+// --- TOVInitialAttributesParser ---
+
+TOVInitialAttributesParser::~TOVInitialAttributesParser() = default;
+
+bool TOVInitialAttributesParser::parseSection(rapidjson::Value& root,
+                                              TOVEditController* controller) {
+    rapidjson::Value section;
+    if (!getJsonSection(root, TOVTransitionJson_InitialAttributes, section)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    // A fresh map, dropped on failure, so that a half-read packet never lands.
+    AttributesMap values;
+    if (!collectKeyValuesPairsFromSection(section, values)) {
+        setErrorParsingTheKeysValuesMapOfAttribute(TOVTransitionJson_InitialAttributes);
+        setParsingResult(false);
+        return false;
+    }
+    controller->setFromValues(values);
+    return true;
+}
+
+std::string TOVInitialAttributesParser::getRuleName() {
+    return "Initial Attributes";
+}
+
+void TOVInitialAttributesParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(TOVTransitionJson_InitialAttributes);
+}
+
+// --- TOVTargetAttributesParser ---
+
+TOVTargetAttributesParser::~TOVTargetAttributesParser() = default;
+
+bool TOVTargetAttributesParser::parseSection(rapidjson::Value& root,
+                                             TOVEditController* controller) {
+    rapidjson::Value section;
+    if (!getJsonSection(root, TOVTransitionJson_TargetAttributes, section)) {
+        // Appends nothing: this parser names no necessary keyword.
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    AttributesMap values;
+    if (!collectKeyValuesPairsFromSection(section, values)) {
+        setErrorParsingTheKeysValuesMapOfAttribute(TOVTransitionJson_TargetAttributes);
+        setParsingResult(false);
+        return false;
+    }
+    controller->setToValues(values);
+    return true;
+}
+
+std::string TOVTargetAttributesParser::getRuleName() {
+    return "Target Attributes";
+}
