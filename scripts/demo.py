@@ -56,8 +56,10 @@ def paragraph(label, text, indent=4):
 def verdict_of(answer, status, style):
     if answer.get("Result") == "Success":
         return style.good("Success") + " (exit status 0)"
-    asked = [k for k in ("ObjectFamilyMembers", "ManualLinkAncestors")
-             if answer.get(k) == "MissingData"]
+    # The keyword that asks, and the section of the request that answers it.
+    asked = [section for keyword, section in (("ObjectFamilyMembers", "membersOfFamily"),
+                                              ("ManualLinkAncestors", "manualLinkAncestors"))
+             if answer.get(keyword) == "MissingData"]
     if asked:
         return (style.ask("Failure, send the request again with " + " and ".join(asked))
                 + f" (exit status {status})")
