@@ -251,24 +251,37 @@ void work(std::unique_ptr<PrivateCore> core, const std::string& logFolder,
     }
 }
 
-// Reads one line of any length; false at the end of the input.
-bool readLine(std::FILE* input, std::string& text, std::size_t& bytes) {
-    text.clear();
-    int c = 0;
-    bool any = false;
-    while ((c = std::getc(input)) != EOF) {
-        any = true;
-        if (c == '\n') {
-            break;
+// Reads lines of any length, each without its line end ("\n" or "\r\n").
+class LineReader {
+public:
+    explicit LineReader(std::FILE* input) : input(input) {}
+    ~LineReader() { std::free(buffer); }
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    // False at the end of the input; `bytes` is the length as read.
+    bool next(std::string& text, std::size_t& bytes) {
+        const ssize_t got = ::getline(&buffer, &capacity, input);
+        if (got < 0) {
+            return false;
         }
-        text.push_back(static_cast<char>(c));
+        bytes = static_cast<std::size_t>(got);
+        std::size_t length = bytes;
+        if (length > 0 && buffer[length - 1] == '\n') {
+            --length;
+        }
+        if (length > 0 && buffer[length - 1] == '\r') {
+            --length;
+        }
+        text.assign(buffer, length);
+        return true;
     }
-    bytes = text.size() + (c == '\n' ? 1 : 0);
-    if (!text.empty() && text.back() == '\r') {
-        text.pop_back();
-    }
-    return any;
-}
+
+private:
+    std::FILE* input;
+    char* buffer = nullptr;
+    std::size_t capacity = 0;
+};
 
 int runBatch(const BatchOptions& options) {
     std::string logFolder;
@@ -342,10 +355,11 @@ int runBatch(const BatchOptions& options) {
         pipeline.showProgressOn(&*progress);
     }
 
+    LineReader reader(input);
     std::string text;
     std::size_t bytes = 0;
     std::size_t index = 0;
-    while (readLine(input, text, bytes)) {
+    while (reader.next(text, bytes)) {
         if (index == 0 && text.compare(0, 3, "\xEF\xBB\xBF") == 0) {
             text.erase(0, 3);  // a byte order mark that some editors write
         }
