@@ -44,4 +44,10 @@ set(TOV_SOURCES
   dm/TOV_DMInfoJsonParsers.cpp
   dm/TOV_DMStructure.cpp
   dm/TOV_DMStructureObject.cpp
+  # Evaluators
+  evaluators/TOVConflictsResolutionOptionsFinder.cpp
+  evaluators/TOVConflictsResolutionOptionsFinderParser.cpp
+  evaluators/TOVLinkController.cpp
+  evaluators/TOVLinkCreationParser.cpp
+  evaluators/TOVSpinupOptionsFinder.cpp
 )

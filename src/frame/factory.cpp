@@ -1,7 +1,9 @@
 #include <string>
 
+#include "tov/TOVConflictsResolutionOptionsFinder.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVInitializerController.h"
+#include "tov/TOVLinkController.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOVTransactionController.h"
 #include "tov/TOV_DMInfoInitializerController.h"
@@ -14,6 +16,10 @@ TOVActionController* createProperController(TOVFunctionality functionality,
             return new TOVInitializerController(labeledInput, coreData);
         case TOVFunctionality_InitializeDMInfo:
             return new TOV_DMInfoInitializerController(labeledInput, coreData);
+        case TOVFunctionality_ProperConflictResolutionOptions:
+            return new TOVConflictsResolutionOptionsFinder(labeledInput, coreData);
+        case TOVFunctionality_ManualLinkCreation:
+            return new TOVLinkController(labeledInput, coreData);
         default: {
             // A functionality without a controller is a programmer's error.
             const std::string message = "ATTENTION!!! YOU FORGOT TO ADD " +
