@@ -13,21 +13,10 @@ bool TOVConflictsResolutionOptionsFinderParser::load(const std::string& input,
     return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
-template <typename SectionParser>
-bool TOVConflictsResolutionOptionsFinderParser::runSection() {
-    SectionParser section;
-    const bool parsed = section.parseSection(document, finder);
-    appendToParsingErrorComment(section.getParsingErrorComment().c_str());
-    updateParsingResult(section.getParsingResult());
-    return parsed;
-}
-
 bool TOVConflictsResolutionOptionsFinderParser::parseAllSections() {
-    bool allParsed = runSection<TOVVersionerObjectTypeJsonParser>();
-    allParsed = runSection<TOVVersionerInitialAttributesParser>() && allParsed;
-    allParsed = runSection<TOVVersionerTargetAttributesParser>() && allParsed;
-    allParsed = runSection<TOVUploadsReprFileParser>() && allParsed;
-    return allParsed;
+    return runSectionParsers<TOVVersionerObjectTypeJsonParser, TOVVersionerInitialAttributesParser,
+                             TOVVersionerTargetAttributesParser, TOVUploadsReprFileParser>(document,
+                                                                                           finder);
 }
 
 TOVVersionerObjectTypeJsonParser::~TOVVersionerObjectTypeJsonParser() = default;

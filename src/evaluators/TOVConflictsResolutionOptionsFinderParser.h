@@ -25,10 +25,6 @@ public:
     bool parseAllSections();
 
 private:
-    // Runs one section on a fresh parser and copies its outcome up.
-    template <typename SectionParser>
-    bool runSection();
-
     TOVConflictsResolutionOptionsFinder* finder;
     rapidjson::Document document;
 };

@@ -11,19 +11,8 @@ bool TOVLinkCreationParser::load(const std::string& input, bool inputIsFilePath)
     return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
-template <typename SectionParser>
-bool TOVLinkCreationParser::runSection() {
-    SectionParser section;
-    const bool parsed = section.parseSection(document, controller);
-    appendToParsingErrorComment(section.getParsingErrorComment().c_str());
-    updateParsingResult(section.getParsingResult());
-    return parsed;
-}
-
 bool TOVLinkCreationParser::parseAllSections() {
-    const bool ancestorParsed = runSection<TOVAncestorJsonParser>();
-    const bool descendantParsed = runSection<TOVDescendantJsonParser>();
-    return ancestorParsed && descendantParsed;
+    return runSectionParsers<TOVAncestorJsonParser, TOVDescendantJsonParser>(document, controller);
 }
 
 void TOVLinkedObjectJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {

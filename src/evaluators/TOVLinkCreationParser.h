@@ -24,10 +24,6 @@ public:
     bool parseAllSections();
 
 private:
-    // Runs one section on a fresh parser and copies its outcome up.
-    template <typename SectionParser>
-    bool runSection();
-
     TOVLinkController* controller;
     rapidjson::Document document;
 };
