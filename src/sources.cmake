@@ -48,6 +48,7 @@ set(TOV_SOURCES
   evaluators/TOVConflictsResolutionOptionsFinder.cpp
   evaluators/TOVConflictsResolutionOptionsFinderParser.cpp
   evaluators/TOVEditController.cpp
+  evaluators/TOVEditControllerTriggers.cpp
   evaluators/TOVLinkController.cpp
   evaluators/TOVLinkCreationParser.cpp
   evaluators/TOVSpinupOptionsFinder.cpp

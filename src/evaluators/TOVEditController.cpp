@@ -312,6 +312,8 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
         return true;
     }
 
+    // Triggers never decide the attempt; they only advise the host.
+    checkForTOVTriggeredHandling(response);
     updateResponseOnSuccess(response);
     return true;
 }
