@@ -4,6 +4,7 @@
 
 #include "evaluators/TOVConflictsResolutionOptionsFinderParser.h"
 #include "frame/input_labels.h"
+#include "frame/request_parsing.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVVersioningSelection.h"
 #include "tov/TOV_DMStructure.h"
@@ -83,15 +84,7 @@ bool TOVConflictsResolutionOptionsFinder::parseInputData(TOVResponse& response) 
                                 input);
 
     TOVConflictsResolutionOptionsFinderParser parser(this);
-    if (parser.load(input, isInputAJsonFilePath())) {
-        parser.parseAllSections();
-    }
-    if (parser.getParsingResult()) {
-        return true;
-    }
-    response.setGeneralResult(false);
-    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
-    return false;
+    return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
 }
 
 bool TOVConflictsResolutionOptionsFinder::evaluateRequest(TOVResponse& response) {

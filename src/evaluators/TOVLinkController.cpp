@@ -4,6 +4,7 @@
 
 #include "evaluators/TOVLinkCreationParser.h"
 #include "frame/input_labels.h"
+#include "frame/request_parsing.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVManualLink.h"
 #include "tov/string_helpers.h"
@@ -63,15 +64,7 @@ bool TOVLinkController::parseInputData(TOVResponse& response) {
     getInputStringWithThisLabel(getInputDataLabelIndentifierForLinkCreationData(), input);
 
     TOVLinkCreationParser parser(this);
-    if (parser.load(input, isInputAJsonFilePath())) {
-        parser.parseAllSections();
-    }
-    if (parser.getParsingResult()) {
-        return true;
-    }
-    response.setGeneralResult(false);
-    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
-    return false;
+    return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
 }
 
 bool TOVLinkController::evaluateRequest(TOVResponse& response) {
