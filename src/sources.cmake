@@ -45,6 +45,12 @@ set(TOV_SOURCES
   dm/TOV_DMStructure.cpp
   dm/TOV_DMStructureObject.cpp
   # Evaluators
+  evaluators/TOVConflictsResolutionOptionsFinder.cpp
+  evaluators/TOVConflictsResolutionOptionsFinderParser.cpp
   evaluators/TOVEditController.cpp
+  evaluators/TOVEditControllerTriggers.cpp
+  evaluators/TOVLinkController.cpp
+  evaluators/TOVLinkCreationParser.cpp
+  evaluators/TOVSpinupOptionsFinder.cpp
   evaluators/TOVTransitionJsonParsers.cpp
 )

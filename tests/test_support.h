@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdio>
+#include <fstream>
 #include <functional>
 #include <string>
 
@@ -45,6 +48,25 @@ inline std::string captureConsole(TOVLogger* logger, const std::function<void()>
 inline std::string asText(const TOVResponse& response) {
     return response.turnResponseIntoASingleString();
 }
+
+// A temporary file with the given contents that removes itself.
+class TempFile {
+public:
+    explicit TempFile(const std::string& contents) {
+        char name[] = "/tmp/tov_test_XXXXXX";
+        const int fd = mkstemp(name);
+        if (fd >= 0) {
+            close(fd);
+        }
+        path = name;
+        std::ofstream(path) << contents;
+    }
+    TempFile(const TempFile&) = delete;
+    TempFile& operator=(const TempFile&) = delete;
+    ~TempFile() { std::remove(path.c_str()); }
+
+    std::string path;
+};
 
 }  // namespace tovtest
 

@@ -53,6 +53,8 @@ protected:
 
     TOVLifecycleBusinessRules* getLifecycleBusinessRules();
     TOV_DMStructure* getLifecycleDMInfo();
+    // For a controller that runs another one on the same stores.
+    TOVCoreDataControllers* getCoreData();
 
 private:
     TOVFunctionality functionality;

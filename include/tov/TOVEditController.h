@@ -158,6 +158,15 @@ private:
     bool isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response);
     bool isResponseMarkedWithManualLinkMissingData(const TOVResponse& response);
 
+    // --- Initializations that an approved edit sets off ---
+    // True when the response now names attributes to initialize.
+    bool checkForTOVTriggeredHandling(TOVResponse& response);
+    // Replaces "Proper_Versioning_Attribute" by the versioning attributes that
+    // are proper after the edit; false, with `name` unchanged, when none is.
+    bool narrowDownVersioningAttributeToTrigger(std::string& name);
+    void markResponseWithTriggerInitialization(TOVResponse& response,
+                                               const AttributesMap& triggered);
+
     void updateResponseOnSuccess(TOVResponse& response);
 
     bool updatingReprFile;

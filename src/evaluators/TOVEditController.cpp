@@ -4,6 +4,7 @@
 
 #include "evaluators/TOVTransitionJsonParsers.h"
 #include "frame/input_labels.h"
+#include "frame/request_parsing.h"
 #include "tov/TOVConflictResolution.h"
 #include "tov/TOVFileConstraint.h"
 #include "tov/TOVHistoryLink.h"
@@ -178,16 +179,11 @@ bool TOVEditController::parseInputData(TOVResponse& response) {
     getInputStringWithThisLabel(getInputDataLabelIdentifierForTransitionData(), input);
 
     TOVTransitionJsonParser parser(this);
-    if (parser.load(input, isInputAJsonFilePath())) {
-        parser.parseAllSections();
+    if (!parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
+        return false;
     }
-    if (parser.getParsingResult()) {
-        postProcessTheParsedData();
-        return true;
-    }
-    response.setGeneralResult(false);
-    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
-    return false;
+    postProcessTheParsedData();
+    return true;
 }
 
 // The order matters: the edits are taken from the raw packets, before the
@@ -312,6 +308,8 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
         return true;
     }
 
+    // Triggers never decide the attempt; they only advise the host.
+    checkForTOVTriggeredHandling(response);
     updateResponseOnSuccess(response);
     return true;
 }

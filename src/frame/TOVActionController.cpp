@@ -86,3 +86,7 @@ TOVLogger* TOVActionController::getLifecycleLogger() {
 TOVFunctionality TOVActionController::getFunctionality() const {
     return functionality;
 }
+
+TOVCoreDataControllers* TOVActionController::getCoreData() {
+    return coreData;
+}

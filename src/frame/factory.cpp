@@ -1,8 +1,10 @@
 #include <string>
 
+#include "tov/TOVConflictsResolutionOptionsFinder.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVEditController.h"
 #include "tov/TOVInitializerController.h"
+#include "tov/TOVLinkController.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOVTransactionController.h"
 #include "tov/TOV_DMInfoInitializerController.h"
@@ -25,6 +27,10 @@ TOVActionController* createProperController(TOVFunctionality functionality,
             return new TOVEditController(labeledInput, coreData, true, true);
         case TOVFunctionality_SaveReprFileAttempt:
             return new TOVEditController(labeledInput, coreData, true, false);
+        case TOVFunctionality_ProperConflictResolutionOptions:
+            return new TOVConflictsResolutionOptionsFinder(labeledInput, coreData);
+        case TOVFunctionality_ManualLinkCreation:
+            return new TOVLinkController(labeledInput, coreData);
         default: {
             // A functionality without a controller is a programmer's error.
             const std::string message = "ATTENTION!!! YOU FORGOT TO ADD " +

@@ -75,6 +75,13 @@ protected:
     void setObjectListedRuleNotAMapError(const std::string& owner);
     void setObjectRulesNotAListError(const std::string& owner);
 
+    // Runs `parseSection(args...)` on a fresh parser of each section, in the
+    // order given and every one whatever the others gave, and copies each
+    // outcome up: the comment joined by "|", the result ANDed in. True when
+    // every section parsed.
+    template <typename... SectionParsers, typename... Args>
+    bool runSectionParsers(Args&... args);
+
     // The frame shared by the sections of the rules document: an object that
     // maps object types to lists of rule objects. `readRule(ruleObject,
     // objectType)` reads one rule, appends it to the store and may rewrite the
@@ -101,6 +108,19 @@ private:
     std::string parsingErrorComment;
     bool parsingResult;
 };
+
+template <typename... SectionParsers, typename... Args>
+bool TOVJsonParser::runSectionParsers(Args&... args) {
+    bool allParsed = true;
+    auto run = [&](auto section) {
+        allParsed = section.parseSection(args...) && allParsed;
+        appendToParsingErrorComment(section.getParsingErrorComment().c_str());
+        updateParsingResult(section.getParsingResult());
+    };
+    // The comma fold keeps the sections in order.
+    (run(SectionParsers()), ...);
+    return allParsed;
+}
 
 template <typename ReadRule>
 bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectionKeyword,

@@ -1,6 +1,7 @@
 #include "tov/TOVInitializerController.h"
 
 #include "frame/input_labels.h"
+#include "frame/request_parsing.h"
 #include "rules/TOVInitializationJsonParser.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 
@@ -30,16 +31,11 @@ bool TOVInitializerController::parseInputData(TOVResponse& response) {
     getInputStringWithThisLabel(getInputDataLabelIdentifierForAllRules(), input);
 
     TOVInitializationJsonParser parser(getLifecycleBusinessRules());
-    const bool loaded = parser.load(input, isInputAJsonFilePath());
-    if (loaded) {
-        parser.parseAllSections();
-    }
-    if (parser.getParsingResult()) {
+    if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
         return true;
     }
+    // Rules read before the fault go too: a load is all or nothing.
     getLifecycleBusinessRules()->clearAllRules();
-    response.setGeneralResult(false);
-    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
     return false;
 }
 

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -14,6 +12,7 @@ namespace {
 using tovtest::asText;
 using tovtest::captureConsole;
 using tovtest::PrivateCore;
+using tovtest::TempFile;
 
 const char* const kLoaded =
     R"({"Result":"Success","ResultComment":"Successfully initialized TOV rules"})";
@@ -31,22 +30,6 @@ size_t transitionsFor(PrivateCore& core, const std::string& objectType,
     core.rules()->getRelatedTransitionRules(objectType, {attribute}, core.dmInfo(), related);
     return related.size();
 }
-
-// A temporary file that removes itself.
-class TempFile {
-public:
-    explicit TempFile(const std::string& contents) {
-        char name[] = "/tmp/tov_rules_XXXXXX";
-        const int fd = mkstemp(name);
-        if (fd >= 0) {
-            close(fd);
-        }
-        path = name;
-        std::ofstream(path) << contents;
-    }
-    ~TempFile() { std::remove(path.c_str()); }
-    std::string path;
-};
 
 TEST(RulesDocument, EmptyObjectLoadsNoRules) {
     PrivateCore core;

@@ -1,0 +1,126 @@
+#include "evaluators/TOVConflictsResolutionOptionsFinderParser.h"
+
+#include "tov/TOVConflictsResolutionOptionsFinder.h"
+
+TOVConflictsResolutionOptionsFinderParser::TOVConflictsResolutionOptionsFinderParser(
+    TOVConflictsResolutionOptionsFinder* finder)
+    : finder(finder) {}
+
+TOVConflictsResolutionOptionsFinderParser::~TOVConflictsResolutionOptionsFinderParser() = default;
+
+bool TOVConflictsResolutionOptionsFinderParser::load(const std::string& input,
+                                                     bool inputIsFilePath) {
+    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+}
+
+bool TOVConflictsResolutionOptionsFinderParser::parseAllSections() {
+    return runSectionParsers<TOVVersionerObjectTypeJsonParser, TOVVersionerInitialAttributesParser,
+                             TOVVersionerTargetAttributesParser, TOVUploadsReprFileParser>(document,
+                                                                                           finder);
+}
+
+TOVVersionerObjectTypeJsonParser::~TOVVersionerObjectTypeJsonParser() = default;
+
+std::string TOVVersionerObjectTypeJsonParser::getRuleName() {
+    return "Object Type";
+}
+
+void TOVVersionerObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
+    keywords.push_back(TOVTransitionJson_ObjectType);
+}
+
+bool TOVVersionerObjectTypeJsonParser::parseSection(rapidjson::Value& root,
+                                                    TOVConflictsResolutionOptionsFinder* finder) {
+    rapidjson::Value section;
+    // A member of another type is as good as missing.
+    if (!getJsonStringSection(root, TOVTransitionJson_ObjectType, section)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    std::string objectType;
+    collectStringFromValue(section, objectType);
+    finder->setObjectType(objectType);
+    return true;
+}
+
+bool TOVVersionerAttributesJsonParser::readAttributes(rapidjson::Value& root,
+                                                      const char* sectionKeyword,
+                                                      AttributesMap& attributes) {
+    rapidjson::Value section;
+    if (!getJsonSection(root, sectionKeyword, section)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    AttributesMap collected;
+    if (!collectKeyValuesPairsFromSection(section, collected)) {
+        setErrorParsingTheKeysValuesMapOfAttribute(sectionKeyword);
+        setParsingResult(false);
+        return false;
+    }
+    attributes = collected;
+    return true;
+}
+
+TOVVersionerInitialAttributesParser::~TOVVersionerInitialAttributesParser() = default;
+
+std::string TOVVersionerInitialAttributesParser::getRuleName() {
+    return "Initial Attributes";
+}
+
+void TOVVersionerInitialAttributesParser::getAllNecessaryKeywords(
+    std::vector<std::string>& keywords) {
+    keywords.push_back(TOVTransitionJson_InitialAttributes);
+}
+
+bool TOVVersionerInitialAttributesParser::parseSection(
+    rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder) {
+    AttributesMap attributes;
+    if (!readAttributes(root, TOVTransitionJson_InitialAttributes, attributes)) {
+        return false;
+    }
+    finder->setInitialAttributes(attributes);
+    return true;
+}
+
+TOVVersionerTargetAttributesParser::~TOVVersionerTargetAttributesParser() = default;
+
+std::string TOVVersionerTargetAttributesParser::getRuleName() {
+    return "Target Attributes";
+}
+
+void TOVVersionerTargetAttributesParser::getAllNecessaryKeywords(
+    std::vector<std::string>& keywords) {
+    keywords.push_back(TOVTransitionJson_TargetAttributes);
+}
+
+bool TOVVersionerTargetAttributesParser::parseSection(rapidjson::Value& root,
+                                                      TOVConflictsResolutionOptionsFinder* finder) {
+    AttributesMap attributes;
+    if (!readAttributes(root, TOVTransitionJson_TargetAttributes, attributes)) {
+        return false;
+    }
+    finder->setTargetAttributes(attributes);
+    return true;
+}
+
+TOVUploadsReprFileParser::~TOVUploadsReprFileParser() = default;
+
+std::string TOVUploadsReprFileParser::getRuleName() {
+    return "Uploads Representation File";
+}
+
+bool TOVUploadsReprFileParser::parseSection(rapidjson::Value& root,
+                                            TOVConflictsResolutionOptionsFinder* finder) {
+    rapidjson::Value section;
+    // Without the flag the rules read the file update as not applicable.
+    if (!getJsonBoolSection(root, TOVConflictJson_UploadsRepresentationFile, section)) {
+        return true;
+    }
+    bool uploads = false;
+    collectBoolFromValue(section, uploads);
+    finder->addTargetAttribute(TOVAttrItemName_DoesUploadFile,
+                               uploads ? TOVAttrItemValue_True : TOVAttrItemValue_False);
+    return true;
+}

@@ -1,0 +1,89 @@
+#ifndef TOV_EVALUATORS_TOVCONFLICTSRESOLUTIONOPTIONSFINDERPARSER_H_
+#define TOV_EVALUATORS_TOVCONFLICTSRESOLUTIONOPTIONSFINDERPARSER_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "json/TOVJsonParser.h"
+#include "tov/vocabulary.h"
+
+class TOVConflictsResolutionOptionsFinder;
+
+// The top parser of an options query: runs the four sections in a fixed order
+// and joins their errors.
+class TOVConflictsResolutionOptionsFinderParser : public TOVJsonParser {
+public:
+    explicit TOVConflictsResolutionOptionsFinderParser(TOVConflictsResolutionOptionsFinder* finder);
+    ~TOVConflictsResolutionOptionsFinderParser() override;
+
+    // Loads the query from the path of a file or from JSON text.
+    bool load(const std::string& input, bool inputIsFilePath);
+    // All four sections run, whatever happened to those before. The upload flag
+    // comes last, since it adds to the target attributes that replace the map.
+    bool parseAllSections();
+
+private:
+    TOVConflictsResolutionOptionsFinder* finder;
+    rapidjson::Document document;
+};
+
+// Reads the necessary "objectType" string.
+class TOVVersionerObjectTypeJsonParser : public TOVJsonParser {
+public:
+    ~TOVVersionerObjectTypeJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+// What the two packet sections share: a necessary object of string values.
+class TOVVersionerAttributesJsonParser : public TOVJsonParser {
+protected:
+    // True, with the packet in `attributes`, when the section is an object of
+    // strings; a failed packet is dropped whole.
+    bool readAttributes(rapidjson::Value& root, const char* sectionKeyword,
+                        AttributesMap& attributes);
+};
+
+// Reads the necessary "initialAttributes" packet.
+class TOVVersionerInitialAttributesParser : public TOVVersionerAttributesJsonParser {
+public:
+    ~TOVVersionerInitialAttributesParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+// Reads the necessary "targetAttributes" packet.
+class TOVVersionerTargetAttributesParser : public TOVVersionerAttributesJsonParser {
+public:
+    ~TOVVersionerTargetAttributesParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+// Reads the optional "uploadsRepresentationFile" bool into "_file_upload_" of
+// the target attributes; anything but a bool counts as absent.
+class TOVUploadsReprFileParser : public TOVJsonParser {
+public:
+    ~TOVUploadsReprFileParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+
+protected:
+    std::string getRuleName() override;
+};
+
+#endif  // TOV_EVALUATORS_TOVCONFLICTSRESOLUTIONOPTIONSFINDERPARSER_H_

@@ -1,0 +1,116 @@
+#include "tov/TOVLinkController.h"
+
+#include <vector>
+
+#include "evaluators/TOVLinkCreationParser.h"
+#include "frame/input_labels.h"
+#include "frame/request_parsing.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/string_helpers.h"
+
+TOVLinkController::TOVLinkController(const std::map<std::string, std::string>& labeledInput,
+                                     TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_ManualLinkCreation, labeledInput, coreData) {}
+
+TOVLinkController::~TOVLinkController() = default;
+
+std::string TOVLinkController::getInputDataLabelIndentifierForLinkCreationData() {
+    return kLabelLinkCreationData;
+}
+
+std::string TOVLinkController::getInputDataLabelIdentifierForJsonFilepath() {
+    return kLabelInputIsFilepath;
+}
+
+const std::string& TOVLinkController::getTypeOfAncestor() const {
+    return typeOfAncestor;
+}
+
+void TOVLinkController::setTypeOfAncestor(const std::string& type) {
+    typeOfAncestor = type;
+}
+
+const std::string& TOVLinkController::getTypeOfDescendant() const {
+    return typeOfDescendant;
+}
+
+void TOVLinkController::setTypeOfDescendant(const std::string& type) {
+    typeOfDescendant = type;
+}
+
+const AttributesMap& TOVLinkController::getAttributesOfAncestor() const {
+    return attributesOfAncestor;
+}
+
+void TOVLinkController::setAttributesOfAncestor(const AttributesMap& attributes) {
+    attributesOfAncestor = attributes;
+}
+
+const AttributesMap& TOVLinkController::getAttributesOfDescendant() const {
+    return attributesOfDescendant;
+}
+
+void TOVLinkController::setAttributesOfDescendant(const AttributesMap& attributes) {
+    attributesOfDescendant = attributes;
+}
+
+bool TOVLinkController::isInputDataSufficient() {
+    return hasNonEmptyInputWithThisLabel(getInputDataLabelIndentifierForLinkCreationData());
+}
+
+bool TOVLinkController::parseInputData(TOVResponse& response) {
+    std::string input;
+    getInputStringWithThisLabel(getInputDataLabelIndentifierForLinkCreationData(), input);
+
+    TOVLinkCreationParser parser(this);
+    return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+}
+
+bool TOVLinkController::evaluateRequest(TOVResponse& response) {
+    if (foundUninitializedRulesViolation(response)) {
+        return false;
+    }
+    if (foundManualLinkRuleViolation(response)) {
+        return false;
+    }
+    updateResponseOnSuccess(response);
+    return true;
+}
+
+bool TOVLinkController::foundManualLinkRuleViolation(TOVResponse& response) {
+    TOVManualLink violated;
+    if (!getFirstManualLinkRuleViolation(violated)) {
+        return false;
+    }
+    response.setGeneralResult(false);
+    std::string words;
+    violated.expressRuleInWords(words);
+    response.appendToGeneralResultComment(words.c_str());
+    return true;
+}
+
+bool TOVLinkController::getFirstManualLinkRuleViolation(TOVManualLink& violated) {
+    // The descendant's attributes serve as the target values over empty initial
+    // values, so that every attribute it has can bring a rule into force.
+    const std::vector<std::string> keys = getKeysOfMap(attributesOfDescendant);
+    std::vector<const TOVManualLink*> related;
+    getLifecycleBusinessRules()->getRelatedManualLinkRulesExact(
+        typeOfDescendant, keys, AttributesMap(), attributesOfDescendant, getLifecycleDMInfo(),
+        related, getLifecycleLogger());
+
+    const std::vector<AttributesMap> ancestors{attributesOfAncestor};
+    for (const TOVManualLink* rule : related) {
+        AttributesMap offending;
+        if (rule->foundManualAncestorViolatingRule(ancestors, offending)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+void TOVLinkController::updateResponseOnSuccess(TOVResponse& response) {
+    response.setGeneralResult(true);
+    response.setGeneralResultComment("Manual Link creation approved");
+}

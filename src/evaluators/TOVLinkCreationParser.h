@@ -1,0 +1,69 @@
+#ifndef TOV_EVALUATORS_TOVLINKCREATIONPARSER_H_
+#define TOV_EVALUATORS_TOVLINKCREATIONPARSER_H_
+
+#include <string>
+#include <vector>
+
+#include <rapidjson/document.h>
+
+#include "json/TOVJsonParser.h"
+#include "tov/vocabulary.h"
+
+class TOVLinkController;
+
+// The top parser of a link creation request: runs the ancestor and the
+// descendant section and joins their errors.
+class TOVLinkCreationParser : public TOVJsonParser {
+public:
+    explicit TOVLinkCreationParser(TOVLinkController* controller);
+    ~TOVLinkCreationParser() override;
+
+    // Loads the request from the path of a file or from JSON text.
+    bool load(const std::string& input, bool inputIsFilePath);
+    // Both sections always run, so one response tells the faults of both.
+    bool parseAllSections();
+
+private:
+    TOVLinkController* controller;
+    rapidjson::Document document;
+};
+
+// What the two sections share: an optional object that, once present, must
+// hold a non-empty "objectType" and a non-empty "attributes" map.
+class TOVLinkedObjectJsonParser : public TOVJsonParser {
+protected:
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+
+    // True when the section is absent, or of another JSON type, or complete; on
+    // true `type` and `attributes` hold what it gave, or stay empty when absent.
+    bool readLinkedObject(rapidjson::Value& root, const char* sectionKeyword, std::string& type,
+                          AttributesMap& attributes);
+
+private:
+    // The rule name, ":", "Attributes should be a map."
+    void setAttributesNotAMapError();
+};
+
+// Reads "ancestor" into the controller.
+class TOVAncestorJsonParser : public TOVLinkedObjectJsonParser {
+public:
+    ~TOVAncestorJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVLinkController* controller);
+
+protected:
+    std::string getRuleName() override;
+};
+
+// Reads "descendant" into the controller.
+class TOVDescendantJsonParser : public TOVLinkedObjectJsonParser {
+public:
+    ~TOVDescendantJsonParser() override;
+
+    bool parseSection(rapidjson::Value& root, TOVLinkController* controller);
+
+protected:
+    std::string getRuleName() override;
+};
+
+#endif  // TOV_EVALUATORS_TOVLINKCREATIONPARSER_H_
