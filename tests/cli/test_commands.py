@@ -175,45 +175,12 @@ CASES = [
 
 COMMANDS = ["check", "explain", "eval", "batch"]
 
-# Kinds whose evaluator the library has; filled at start-up (see below).
-EVALUATED_KINDS = set()
-NOT_YET_EVALUATED = '{"Result":"Failure","ResultComment":""}'
-
-
-def find_evaluated_kinds():
-    """An evaluator still being built answers every request with a failure and
-    no comment, where a real one at least tells what is wrong with "{}"."""
-    with tempfile.TemporaryDirectory(prefix="tov-cli-probe-") as folder:
-        for name, value in (("rules.json", RULES), ("dm.json", DATA_MODEL)):
-            with open(os.path.join(folder, name), "w", encoding="utf-8") as f:
-                json.dump(value, f)
-        for kind in ("edit", "edit-before-resolution", "save", "save-before-resolution",
-                     "link", "options"):
-            result = subprocess.run([TOV, "eval", kind, "--rules", "rules.json", "--dm",
-                                     "dm.json", "-"], cwd=folder, input="{}",
-                                    capture_output=True, text=True, timeout=120)
-            if result.stdout.strip() != NOT_YET_EVALUATED:
-                EVALUATED_KINDS.add(kind)
-        with open(os.path.join(folder, "request.json"), "w", encoding="utf-8") as f:
-            json.dump(RELEASE_WITH_DATA, f)
-        result = subprocess.run([TOV, "eval", "edit", "--rules", "rules.json", "--dm",
-                                 "dm.json", "request.json"], cwd=folder, capture_output=True,
-                                text=True, timeout=120)
-        if "TriggerInitialization" in result.stdout:
-            EVALUATED_KINDS.add("triggers")
-
 
 def info_message(answer):
     if answer == CONFLICT_REFUSED:
         return CONFLICT_INFO
     response = json.loads(answer)
     return response["Result"] + "! " + response["ResultComment"]
-
-
-def needs(kind, answer):
-    """What the library must evaluate for this answer: the kind, and trigger
-    handling where the answer reports triggers."""
-    return [kind] + (["triggers"] if "TriggerInitialization" in answer else [])
 
 
 class ProgramTest(unittest.TestCase):
@@ -243,11 +210,6 @@ class ProgramTest(unittest.TestCase):
 
     def documents(self):
         return ["--rules", "rules.json", "--dm", "dm.json"]
-
-    def requireEvaluator(self, *kinds):
-        missing = [kind for kind in kinds if kind not in EVALUATED_KINDS]
-        if missing:
-            self.skipTest("the library does not evaluate " + ", ".join(missing) + " yet")
 
     def assertUsageError(self, result, message):
         self.assertEqual(result.returncode, 2, result.stderr)
@@ -516,14 +478,12 @@ class EvalCommand(ProgramTest):
     def test_every_kind_and_outcome(self):
         for kind, request, answer, status in CASES:
             with self.subTest(kind=kind, request=request):
-                self.requireEvaluator(*needs(kind, answer))
                 result = self.eval(kind, json.dumps(request))
                 self.assertEqual(result.stdout, answer + "\n")
                 self.assertEqual(result.stderr, info_message(answer) + "\n")
                 self.assertEqual(result.returncode, status)
 
     def test_the_info_message_words_any_for_people(self):
-        self.requireEvaluator("edit")
         self.write_json("any.json", {"transitions": {"ALL": [
             {"attribute": "Status", "fromValue": "A", "toValue": ["A"]}]}})
         self.write_json("request.json", edit({"Status": "A"}, {"Status": "B"}))
@@ -536,7 +496,6 @@ class EvalCommand(ProgramTest):
                                         '"A"\n')
 
     def test_the_request_from_standard_input(self):
-        self.requireEvaluator("edit")
         request = json.dumps(RETITLE)
         for source in (["-"], []):
             with self.subTest(source=source):
@@ -545,7 +504,6 @@ class EvalCommand(ProgramTest):
                 self.assertEqual(result.stdout, APPROVED_EDIT + "\n")
 
     def test_an_empty_request(self):
-        self.requireEvaluator("edit")
         result = self.eval("edit", "")
         self.assertEqual(result.returncode, 1)
         self.assertEqual(result.stdout, INSUFFICIENT + "\n")
@@ -554,13 +512,11 @@ class EvalCommand(ProgramTest):
     def test_a_request_that_is_no_json(self):
         for kind in ("edit", "link", "options"):
             with self.subTest(kind=kind):
-                self.requireEvaluator(kind)
                 result = self.eval(kind, "{not json")
                 self.assertEqual(result.returncode, 1)
                 self.assertEqual(result.stdout, UNUSABLE + "\n")
 
     def test_a_request_with_a_fault(self):
-        self.requireEvaluator("options")
         result = self.eval("options", json.dumps({"objectType": "Part",
                                                   "initialAttributes": {}}))
         self.assertEqual(result.returncode, 1)
@@ -593,7 +549,6 @@ class EvalCommand(ProgramTest):
                                         "member.\n")
 
     def test_notices_of_the_library_stay_off_standard_output(self):
-        self.requireEvaluator("edit")
         rules = dict(RULES)
         rules["transitions"] = {"Part": [dict(rule, allowReverse=True)
                                          for rule in RULES["transitions"]["Part"]]}
@@ -631,18 +586,10 @@ class BatchCommand(ProgramTest):
         self.write("requests.jsonl", "".join(line + "\n" for line in lines))
         return self.tov("batch", *self.documents(), *extra, "requests.jsonl", stdin=stdin)
 
-    def cases(self):
-        """The cases that the library can answer already."""
-        cases = [case for case in CASES if set(needs(case[0], case[2])) <= EVALUATED_KINDS]
-        if not cases:
-            self.skipTest("the library evaluates nothing yet")
-        return cases
-
     def test_one_answer_per_line_in_input_order(self):
-        cases = self.cases()
-        result = self.batch([batch_line(kind, request) for kind, request, _, _ in cases])
+        result = self.batch([batch_line(kind, request) for kind, request, _, _ in CASES])
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(result.stdout.splitlines(), [answer for _, _, answer, _ in cases])
+        self.assertEqual(result.stdout.splitlines(), [answer for _, _, answer, _ in CASES])
         self.assertEqual(result.stderr, "")
 
     def test_lines_that_are_no_request(self):
@@ -660,7 +607,6 @@ class BatchCommand(ProgramTest):
             batch_line("edit", RETITLE) + " {}",
             batch_line("edit", RETITLE),
         ]
-        self.requireEvaluator("edit")
         result = self.batch(lines)
         self.assertEqual(result.returncode, 1)
         self.assertEqual(result.stderr, "")
@@ -688,14 +634,12 @@ class BatchCommand(ProgramTest):
         self.assertEqual(result.stdout, '{"line":1,"error":"not a JSON object"}\n')
 
     def test_other_members_of_a_line_are_ignored(self):
-        self.requireEvaluator("link")
         line = json.dumps({"id": 7, "kind": "link", "request": LINK_APPROVED})
         result = self.batch([line])
         self.assertEqual(result.returncode, 0)
         self.assertEqual(result.stdout, LINK_APPROVED_ANSWER + "\n")
 
     def test_windows_line_ends_and_a_last_line_without_one(self):
-        self.requireEvaluator("edit", "link")
         text = batch_line("edit", RETITLE) + "\r\n" + batch_line("link", LINK_APPROVED)
         self.write("requests.jsonl", text)
         result = self.tov("batch", *self.documents(), "requests.jsonl")
@@ -708,10 +652,9 @@ class BatchCommand(ProgramTest):
         self.assertEqual(result.stdout, "")
 
     def test_one_job_and_four_jobs_give_the_same_output(self):
-        cases = self.cases()
         lines = []
         for round_number in range(40):
-            for kind, request, _, _ in cases:
+            for kind, request, _, _ in CASES:
                 lines.append(batch_line(kind, request))
             lines.append("not json " + str(round_number))
         one = self.batch(lines, "--jobs", "1")
@@ -724,7 +667,7 @@ class BatchCommand(ProgramTest):
         self.assertEqual(four.returncode, 1)
         expected = []
         for round_number in range(40):
-            expected.extend(answer for _, _, answer, _ in cases)
+            expected.extend(answer for _, _, answer, _ in CASES)
             expected.append(None)
         for number, (answer, want) in enumerate(zip(one.stdout.splitlines(), expected), 1):
             if want is None:
@@ -733,13 +676,11 @@ class BatchCommand(ProgramTest):
                 self.assertEqual(answer, want)
 
     def test_more_jobs_than_lines(self):
-        self.requireEvaluator("edit")
         result = self.batch([batch_line("edit", RETITLE)], "-j", "16")
         self.assertEqual(result.returncode, 0)
         self.assertEqual(result.stdout, APPROVED_EDIT + "\n")
 
     def test_requests_from_standard_input(self):
-        self.requireEvaluator("edit", "options")
         text = batch_line("edit", RETITLE) + "\n" + batch_line("options", OPTIONS_FREE) + "\n"
         for source in (["-"], []):
             with self.subTest(source=source):
@@ -804,7 +745,6 @@ class BatchCommand(ProgramTest):
             os.close(controller)
 
     def test_a_progress_bar_on_a_terminal_for_a_file(self):
-        self.requireEvaluator("edit")
         self.write("requests.jsonl", batch_line("edit", RETITLE) + "\n")
         status, out, shown = self.run_with_terminal_stderr(
             ["batch", *self.documents(), "requests.jsonl"])
@@ -814,7 +754,6 @@ class BatchCommand(ProgramTest):
         self.assertIn("tov: 1 lines answered (0 no request)", shown)
 
     def test_no_progress_bar_for_standard_input(self):
-        self.requireEvaluator("edit")
         status, out, shown = self.run_with_terminal_stderr(
             ["batch", *self.documents()], batch_line("edit", RETITLE) + "\n")
         self.assertEqual(status, 0)
@@ -824,7 +763,6 @@ class BatchCommand(ProgramTest):
 
 class LogOption(ProgramTest):
     def test_off_is_the_default_and_silent(self):
-        self.requireEvaluator("edit")
         self.write_json("request.json", RETITLE)
         for extra in ([], ["--log", "off"], ["--log", "OFF"]):
             with self.subTest(extra=extra):
@@ -835,7 +773,6 @@ class LogOption(ProgramTest):
                                                            "rules.json"])
 
     def test_console_for_eval(self):
-        self.requireEvaluator("edit")
         self.write_json("request.json", RETITLE)
         result = self.tov("eval", "edit", *self.documents(), "request.json", "--log",
                           "console")
@@ -857,7 +794,6 @@ class LogOption(ProgramTest):
                                                "rules\n"))
 
     def test_a_folder_gets_the_log_file(self):
-        self.requireEvaluator("edit")
         self.write_json("request.json", RETITLE)
         result = self.tov("eval", "edit", *self.documents(), "request.json", "--log",
                           "logs/today")
@@ -908,5 +844,4 @@ if __name__ == "__main__":
     if len(sys.argv) != 3:
         sys.exit("usage: test_commands.py TOV_PROGRAM SOURCE_DIR")
     TOV = os.path.abspath(sys.argv[1])
-    find_evaluated_kinds()
     unittest.main(argv=[sys.argv[0]], verbosity=2)
