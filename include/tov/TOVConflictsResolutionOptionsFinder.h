@@ -55,7 +55,8 @@ public:
     const AttributesMap& getTargetAttributes() const;
     void setTargetAttributes(const AttributesMap& attributes);
     bool getValueOfTargetAttribute(const std::string& name, std::string& value) const;
-    // Stores the value under the name, replacing what stood there.
+    // Stores the value under the name, replacing what stood there. A null name
+    // stores nothing; a null value is stored as the empty text.
     void addTargetAttribute(const char* name, const char* value);
 
 protected:

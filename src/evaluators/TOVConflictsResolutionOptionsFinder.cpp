@@ -70,7 +70,12 @@ bool TOVConflictsResolutionOptionsFinder::getValueOfTargetAttribute(const std::s
 }
 
 void TOVConflictsResolutionOptionsFinder::addTargetAttribute(const char* name, const char* value) {
-    targetAttributes[name] = value;
+    // A string cannot be built from a null pointer: a missing name stores
+    // nothing, and a missing value reads as empty, as elsewhere in the library.
+    if (name == nullptr) {
+        return;
+    }
+    targetAttributes[name] = value == nullptr ? "" : value;
 }
 
 bool TOVConflictsResolutionOptionsFinder::isInputDataSufficient() {

@@ -453,6 +453,14 @@ TEST_F(ConflictOptions, AccessorsOfAFinderBuiltInCode) {
     EXPECT_FALSE(finder.getValueOfTargetAttribute("Status", value));
 }
 
+TEST_F(ConflictOptions, AddingATargetAttributeFromNullPointersNeitherThrowsNorCrashes) {
+    TOVConflictsResolutionOptionsFinder finder("Part", kInWorkPacket, kInReviewPacket, core.get());
+    finder.addTargetAttribute(nullptr, "true");
+    EXPECT_EQ(finder.getTargetAttributes(), kInReviewPacket);
+    finder.addTargetAttribute("Status", nullptr);
+    EXPECT_EQ(finder.getTargetAttributes(), (AttributesMap{{"Owner", "Ann"}, {"Status", ""}}));
+}
+
 // ---------------------------------------------------------------- outcomes
 
 TEST_F(ConflictOptions, OverwriteAndSpinupForcedContradict) {

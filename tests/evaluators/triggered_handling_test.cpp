@@ -276,4 +276,17 @@ TEST(TriggeredHandling, AnAttemptEndingOnMissingDataReportsNoTrigger) {
     EXPECT_THAT(tovtest::asText(response), Not(HasSubstr("TriggerInitialization")));
 }
 
+TEST(TriggeredHandling, AnAttemptAskingForManualLinkAncestorsReportsNoTrigger) {
+    Loaded core(R"({"triggers":{"Part":[)" + trigger("Status", "ReleaseDate", "Reset") +
+                R"(]},"manualLinks":{"Part":[)"
+                R"({"attribute":"Status","fromValue":"<any>","toValue":"In Review",)"
+                R"("acceptableManualLinkValues":["In Review"]}]}})");
+    const TOVResponse response = EvaluateTOVEditAttempt(kStatusEdit, core.get());
+    EXPECT_FALSE(response.getGeneralResult());
+    std::string comment;
+    EXPECT_TRUE(response.getCommentUnderKeyword("ManualLinkAncestors", comment));
+    EXPECT_EQ(comment, "MissingData");
+    EXPECT_FALSE(response.getCommentUnderKeyword("TriggerInitialization", comment));
+}
+
 }  // namespace
