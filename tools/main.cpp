@@ -1,6 +1,9 @@
 // tov: check, explain and evaluate lifecycle business rules from the command line.
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -45,7 +48,13 @@ int main(int argc, char** argv) {
 
     for (const tovcli::Command& command : commands) {
         if (command.app->parsed()) {
-            return command.run();
+            const int status = command.run();
+            // Answers that never reached their reader must not pass for given.
+            if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+                std::cerr << "tov: cannot write standard output: " << std::strerror(errno) << "\n";
+                return tovcli::kExitUsageOrInput;
+            }
+            return status;
         }
     }
     return tovcli::kExitUsageOrInput;

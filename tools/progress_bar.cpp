@@ -50,10 +50,10 @@ void ProgressBar::draw() {
 
 void ProgressBar::finish(unsigned jobs, std::uint64_t malformedLines) {
     // "\033[K" clears what is left of the bar on the line.
-    std::fprintf(
-        stderr, "\r\033[Ktov: %llu lines answered (%llu no request) in %.1f s with %u %s\n",
-        static_cast<unsigned long long>(doneLines), static_cast<unsigned long long>(malformedLines),
-        secondsSince(start), jobs, jobs == 1 ? "job" : "jobs");
+    std::fprintf(stderr, "\r\033[Ktov: %llu %s answered (%llu no request) in %.1f s with %u %s\n",
+                 static_cast<unsigned long long>(doneLines), doneLines == 1 ? "line" : "lines",
+                 static_cast<unsigned long long>(malformedLines), secondsSince(start), jobs,
+                 jobs == 1 ? "job" : "jobs");
     std::fflush(stderr);
 }
 

@@ -274,6 +274,16 @@ class ProgramAsAWhole(ProgramTest):
                 self.assertUsageError(result, "--frobnicate")
                 self.assertIn("Usage: tov " + command, result.stderr)
 
+    def test_output_that_cannot_be_written_is_an_error(self):
+        if not os.path.exists("/dev/full"):
+            self.skipTest("no /dev/full here")
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            result = subprocess.run([TOV, "check", *self.documents()], cwd=self.folder,
+                                    stdout=full, stderr=subprocess.PIPE, text=True, timeout=120)
+        self.assertEqual(result.returncode, 2)
+        self.assertIn("tov: cannot write standard output: No space left on device",
+                      result.stderr)
+
     def test_an_option_without_its_value_is_a_usage_error(self):
         self.assertUsageError(self.tov("check", "--rules"), "--rules")
 
@@ -751,7 +761,7 @@ class BatchCommand(ProgramTest):
         self.assertEqual(status, 0)
         self.assertEqual(out, APPROVED_EDIT + "\n")
         self.assertIn("%", shown)
-        self.assertIn("tov: 1 lines answered (0 no request)", shown)
+        self.assertIn("tov: 1 line answered (0 no request)", shown)
 
     def test_no_progress_bar_for_standard_input(self):
         status, out, shown = self.run_with_terminal_stderr(
