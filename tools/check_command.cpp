@@ -1,4 +1,5 @@
 // tov check: do the documents load, and if not, what is wrong with them?
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -30,6 +31,31 @@ void noteEmptyStores(const std::vector<Document>& documents, PrivateCore& core) 
     }
 }
 
+// A rule written for an object type that the data model does not describe is
+// most often a misspelt name, and such a rule quietly never applies.
+void noteUnknownObjectTypes(const std::vector<Document>& documents, PrivateCore& core) {
+    const Document* rules = nullptr;
+    const Document* dataModel = nullptr;
+    for (const Document& document : documents) {
+        (document.kind == Document::kRules ? rules : dataModel) = &document;
+    }
+    if (rules == nullptr || dataModel == nullptr || !core.dataModel().existAnyInfo()) {
+        return;
+    }
+    const std::vector<TOV_DMStructureObject>& described = core.dataModel().getAllStructureObjects();
+    for (const std::string& objectType : core.rules().collectObjectTypesOfRules()) {
+        const bool known = std::any_of(
+            described.begin(), described.end(), [&](const TOV_DMStructureObject& object) {
+                return core.dataModel().areObjectTypesThatShouldBeConsideredEqual(objectType,
+                                                                                  object.getName());
+            });
+        if (!known) {
+            std::cout << rules->path << ": note: the rules for " << objectType
+                      << " concern no object type of the data model " << dataModel->path << "\n";
+        }
+    }
+}
+
 int runCheck(const CheckOptions& options) {
     std::string logFolder;
     std::string error;
@@ -45,6 +71,7 @@ int runCheck(const CheckOptions& options) {
     const bool allLoaded = loadDocuments(documents, core, true, std::cout);
     if (allLoaded) {
         noteEmptyStores(documents, core);
+        noteUnknownObjectTypes(documents, core);
     }
     return allLoaded ? kExitSuccess : kExitFailure;
 }
@@ -62,7 +89,8 @@ Command addCheckCommand(CLI::App& program) {
         "\"FILE: comment\" when it loaded, or one line \"FILE: fault\" per fault when it did "
         "not: a document loads whole or not at all. A text that is no JSON gets a note "
         "\"FILE:LINE:COLUMN: note: ...\" telling where; notices of the library about the "
-        "document, and a document that loads but holds nothing, get a note too.",
+        "document, a document that loads but holds nothing, and rules for an object type "
+        "that the data model does not describe (often a misspelt name) get a note too.",
         "Exit status: 0 when every document loaded, 1 when one did not, 2 for bad arguments "
         "or a file that cannot be read.",
         kLogHelp,

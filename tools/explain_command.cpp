@@ -1,8 +1,12 @@
 // tov explain: every loaded rule in words, grouped by kind, in the order in
 // which the rules are judged.
+#include <algorithm>
+#include <cctype>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -72,6 +76,27 @@ void explainRules(const TOVLifecycleBusinessRules& rules, std::ostream& out) {
     }
 }
 
+// "Library_Item" stands for every RLI type; with a data model at hand, say which.
+void explainLibraryItem(const TOVLifecycleBusinessRules& rules, const TOV_DMStructure& dataModel,
+                        std::ostream& out) {
+    const std::set<std::string> objectTypes = rules.collectObjectTypesOfRules();
+    const bool named = std::any_of(objectTypes.begin(), objectTypes.end(), [](const auto& type) {
+        return areStringsEqualSimple(type, TOVAttrItemValue_Library_Item);
+    });
+    if (!named) {
+        return;
+    }
+    std::string types;
+    for (const TOV_DMStructureObject& object : dataModel.getAllStructureObjects()) {
+        if (object.isThisAnRLI()) {
+            types += (types.empty() ? "" : ", ") + object.getName();
+        }
+    }
+    out << "\n"
+        << TOVAttrItemValue_Library_Item << " stands for the RLI object types of the data model: "
+        << (types.empty() ? "none" : types) << ".\n";
+}
+
 int runExplain(const ExplainOptions& options) {
     std::string logFolder;
     std::string error;
@@ -88,6 +113,9 @@ int runExplain(const ExplainOptions& options) {
         return kExitFailure;
     }
     explainRules(core.rules(), std::cout);
+    if (!options.documents.dataModelPath.empty()) {
+        explainLibraryItem(core.rules(), core.dataModel(), std::cout);
+    }
     return kExitSuccess;
 }
 
@@ -105,7 +133,8 @@ Command addExplainCommand(CLI::App& program) {
         "trigger, versioning selection, conflict resolution, file constraint), each rule "
         "numbered in the store's order, which decides which rule a refusal names. \"<any>\" "
         "stands for every object type (\"ALL\" in the document). With --dm the data model "
-        "is loaded too, so that its faults are told.",
+        "is loaded too, so that its faults are told, and a last line tells which RLI object "
+        "types Library_Item stands for, when rules are written for it.",
         "Standard error: the faults of a document that does not load, as check tells them.",
         "Exit status: 0 when the documents loaded, 1 when one did not, 2 for bad arguments "
         "or a file that cannot be read.",

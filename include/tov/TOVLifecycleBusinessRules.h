@@ -4,6 +4,7 @@
 #ifndef TOV_TOVLIFECYCLEBUSINESSRULES_H_
 #define TOV_TOVLIFECYCLEBUSINESSRULES_H_
 
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -107,6 +108,9 @@ public:
     // The same walk over the trigger rules, which have no sentence: what each
     // says, in store order, for a tool to word itself.
     std::vector<TOVTriggerDescription> describeTriggerRules() const;
+    // The object types that the rules of all kinds are written for, as loaded
+    // ("<any>" for "ALL"), each once, for tools that hold them against the data model.
+    std::set<std::string> collectObjectTypesOfRules() const;
 
     // Every list under its heading, in a fixed order.
     void printContentsDBG(TOVLogger* logger) const;

@@ -349,3 +349,22 @@ std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRul
     }
     return descriptions;
 }
+
+std::set<std::string> TOVLifecycleBusinessRules::collectObjectTypesOfRules() const {
+    std::set<std::string> objectTypes;
+    // A lambda here shares the store's friendship with the rule classes.
+    const auto insertObjectTypes = [&objectTypes](const auto& rules) {
+        for (const auto& rule : rules) {
+            objectTypes.insert(rule.getObjectType());
+        }
+    };
+    insertObjectTypes(transitionsFreeze);
+    insertObjectTypes(historyLinks);
+    insertObjectTypes(manualLinks);
+    insertObjectTypes(transitions);
+    insertObjectTypes(fileConstraints);
+    insertObjectTypes(versioningSelections);
+    insertObjectTypes(conflictResolutions);
+    insertObjectTypes(triggers);
+    return objectTypes;
+}

@@ -360,6 +360,26 @@ class CheckCommand(ProgramTest):
             '"Uninitialized TOV rules"',
         ])
 
+    def test_rules_for_object_types_the_data_model_does_not_describe(self):
+        rule = {"attribute": "Status", "fromValue": "A", "toValue": ["A"]}
+        self.write_json("types.json", {
+            "transitions": {"Prt": [rule], "ALL": [rule], "part": [rule]},
+            "triggers": {"Library_Item": [{"attribute": "Status", "triggerInitialize": "X",
+                                           "initializationValue": ""}]}})
+        result = self.tov("check", "--rules", "types.json", "--dm", "dm.json")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout.splitlines(), [
+            "dm.json: Succesfully initialized DM info",
+            "types.json: Successfully initialized TOV rules",
+            "types.json: note: the rules for Library_Item concern no object type of the data "
+            "model dm.json",
+            "types.json: note: the rules for Prt concern no object type of the data model "
+            "dm.json",
+        ])
+        without_data_model = self.tov("check", "--rules", "types.json")
+        self.assertEqual(without_data_model.stdout,
+                         "types.json: Successfully initialized TOV rules\n")
+
     def test_notices_of_the_library_become_notes(self):
         self.write_json("jumps.json", {"transitions": {"Part": [
             {"attribute": "Status", "fromValue": "A", "toValue": ["B"], "allowJumps": True,
@@ -451,6 +471,32 @@ class ExplainCommand(ProgramTest):
             "  2. For <any>: When Material is edited, the proper versioning attribute "
             '(Proper_Versioning_Attribute) must be initialized to "Next"',
         ])
+
+    def test_the_data_model_tells_what_library_item_stands_for(self):
+        self.write_json("library.json", {"triggers": {"Library_Item": [
+            {"attribute": "Status", "triggerInitialize": "Approver",
+             "initializationValue": "x"}]}})
+        with_items = json.loads(json.dumps(DATA_MODEL))
+        for name in ("Drawing", "Datasheet"):
+            with_items["structureObjects"].append({
+                "name": name, "dmObjectType": "RLI",
+                "attributes": [{"name": "Number", "type": "REGULAR", "primary": True}]})
+        self.write_json("items.json", with_items)
+        expected_rule = ("Trigger rules (1):\n"
+                         '  1. For Library_Item: When Status is edited, Approver must be '
+                         'initialized to "x"\n')
+        result = self.tov("explain", "--rules", "library.json", "--dm", "items.json")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout, expected_rule + "\nLibrary_Item stands for the RLI "
+                                        "object types of the data model: Datasheet, "
+                                        "Drawing.\n")
+        result = self.tov("explain", "--rules", "library.json", "--dm", "dm.json")
+        self.assertEqual(result.stdout, expected_rule + "\nLibrary_Item stands for the RLI "
+                                        "object types of the data model: none.\n")
+        result = self.tov("explain", "--rules", "library.json")
+        self.assertEqual(result.stdout, expected_rule)
+        result = self.tov("explain", *self.documents())
+        self.assertNotIn("Library_Item", result.stdout)
 
     def test_no_rules(self):
         self.write_json("nothing.json", {})

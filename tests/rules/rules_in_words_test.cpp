@@ -1,4 +1,6 @@
-// The read-only walks that tools use to tell the loaded rules to people.
+// The read-only walks that tools use to tell the loaded rules to people and to
+// hold them against the data model.
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -69,12 +71,32 @@ TEST(RulesInWords, SentencesFollowTheOrderOfTheDebugPrintWithTheirKinds) {
     EXPECT_EQ(core.rules()->expressRulesInWords(), expected);
 }
 
+TEST(RulesInWords, ObjectTypesOfAllKindsEachOnceWithAllReadAsAny) {
+    PrivateCore core;
+    ASSERT_TRUE(load(core, R"({
+        "triggers":{"Part":[{"attribute":"S","triggerInitialize":"A","initializationValue":""}]},
+        "transitions":{"Part":[{"attribute":"S","fromValue":"A","toValue":["B"]}],
+                       "all":[{"attribute":"S","fromValue":"A","toValue":["B"]}]},
+        "versioningSelections":{"Drawing":[{"conditionAttribute1":"S","conditionValue1":["A"],
+                                            "versioningOption":["Revision"]}]},
+        "manualLinks":{"Library_Item":[{"attribute":"S","fromValue":"A","toValue":"B",
+                                        "acceptableManualLinkValues":["B"]}]}})"));
+    const std::set<std::string> expected = {"<any>", "Drawing", "Library_Item", "Part"};
+    EXPECT_EQ(core.rules()->collectObjectTypesOfRules(), expected);
+}
+
+TEST(RulesInWords, AnEmptyStoreNamesNoObjectType) {
+    TOVLifecycleBusinessRules store;
+    EXPECT_TRUE(store.collectObjectTypesOfRules().empty());
+}
+
 TEST(RulesInWords, AFailedLoadLeavesNothingToTell) {
     PrivateCore core;
     ASSERT_TRUE(load(core, R"({"triggers":{"Part":[
         {"attribute":"Status","triggerInitialize":"Approver","initializationValue":"x"}]}})"));
     EXPECT_FALSE(load(core, R"({"triggers":{"Part":[{"attribute":"Status"}]}})"));
     EXPECT_TRUE(core.rules()->describeTriggerRules().empty());
+    EXPECT_TRUE(core.rules()->collectObjectTypesOfRules().empty());
 }
 
 }  // namespace
