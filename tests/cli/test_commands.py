@@ -14,6 +14,7 @@ import select
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 
 TOV = None
@@ -745,6 +746,30 @@ class BatchCommand(ProgramTest):
                 self.assertEqual(result.returncode, 0)
                 self.assertEqual(result.stdout, APPROVED_EDIT + "\n" + OPTIONS_FREE_ANSWER + "\n")
                 self.assertEqual(result.stderr, "")
+
+    def test_each_answer_comes_out_before_the_next_line_is_read(self):
+        process = subprocess.Popen([TOV, "batch", *self.documents(), "--jobs", "2"],
+                                   cwd=self.folder, stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        # A program that held its answers back would leave the reads below
+        # waiting; the timer ends the program then, and the test fails.
+        watchdog = threading.Timer(60, process.kill)
+        watchdog.start()
+        try:
+            for kind, request, answer in (("edit", RETITLE, APPROVED_EDIT),
+                                          ("link", LINK_APPROVED, LINK_APPROVED_ANSWER)):
+                process.stdin.write(batch_line(kind, request) + "\n")
+                process.stdin.flush()
+                self.assertEqual(process.stdout.readline(), answer + "\n")
+            process.stdin.close()
+            self.assertEqual(process.stdout.read(), "")
+            self.assertEqual(process.wait(), 0)
+        finally:
+            watchdog.cancel()
+            process.kill()
+            process.wait()
+            process.stdout.close()
+            process.stderr.close()
 
     def test_bad_job_counts(self):
         for jobs in ("0", "-1", "many", "2000"):
