@@ -66,6 +66,11 @@ def verdict_of(answer, status, style):
     return style.bad("Failure") + f" (exit status {status})"
 
 
+def expected_answer(name):
+    with open(os.path.join(ROOT, "examples", "expected", name + ".out"), encoding="utf-8") as f:
+        return f.read().strip()
+
+
 def run(tov, *arguments):
     return subprocess.run([tov, *arguments], cwd=ROOT, capture_output=True, text=True)
 
@@ -120,9 +125,7 @@ def main():
             if keyword not in ("Result", "ResultComment"):
                 print(paragraph(keyword + ": ", value))
 
-        with open(os.path.join(ROOT, "examples", "expected", step["name"] + ".out"),
-                  encoding="utf-8") as f:
-            expected = f.read().strip()
+        expected = expected_answer(step["name"])
         if single != expected or done.returncode != step["exit"]:
             mismatches.append(step["name"])
             print(style.bad(f"    Expected exit status {step['exit']} and: {expected}"))
@@ -132,12 +135,7 @@ def main():
     print(style.dim("  $ tov batch " + " ".join(DOCUMENTS) + " --jobs 2 examples/requests.jsonl"))
     batch = run(tov, "batch", *DOCUMENTS, "--jobs", "2", "examples/requests.jsonl")
     answers = batch.stdout.splitlines()
-    expected_answers = []
-    for step in scenario["steps"]:
-        with open(os.path.join(ROOT, "examples", "expected", step["name"] + ".out"),
-                  encoding="utf-8") as f:
-            expected_answers.append(f.read().strip())
-    same = answers == expected_answers
+    same = answers == [expected_answer(step["name"]) for step in scenario["steps"]]
     print(f"    {len(answers)} answer lines in input order, "
           + (style.good("the same as one by one") if same else style.bad("not as expected")))
     if not same or batch.returncode != 0:
