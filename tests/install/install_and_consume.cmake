@@ -72,6 +72,14 @@ foreach(schema rules datamodel edit-request link-request options-query)
   endif()
 endforeach()
 
+# The installed program finds the installed library by itself and reads the
+# example documents.
+read_main_cache(TOV_BUILD_TOOLS build_tools)
+if(build_tools)
+  run_step("installed tov check" "${prefix}/bin/tov" check
+    --rules "${SOURCE_DIR}/examples/rules.json" --dm "${SOURCE_DIR}/examples/datamodel.json")
+endif()
+
 # 1. As a CMake package.
 run_step("consumer configure" "${CMAKE_COMMAND}"
   -S "${consumer_source}" -B "${consumer_build}" -G Ninja
