@@ -1,5 +1,6 @@
 # The single entry point: `make demo` and `make test` install missing Debian
-# packages (as root), configure, build, and run.
+# packages (as root), configure, build, and run: the demo runs the example
+# scenario through the tov program, the test target the whole suite.
 PRESET ?= default
 BUILD_DIR := build/$(PRESET)
 
@@ -15,7 +16,7 @@ build: deps
 	cmake --build --preset $(PRESET)
 
 demo: build
-	./$(BUILD_DIR)/examples/tov_demo examples
+	python3 scripts/demo.py --tov $(BUILD_DIR)/tools/tov
 
 test: build
 	ctest --preset $(PRESET)

@@ -4,6 +4,7 @@
 #ifndef TOV_TOVLIFECYCLEBUSINESSRULES_H_
 #define TOV_TOVLIFECYCLEBUSINESSRULES_H_
 
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -104,6 +105,12 @@ public:
     // but triggers), each a kind label and the rule's sentence, in the order of
     // the debug print.
     std::vector<std::pair<std::string, std::string>> expressRulesInWords() const;
+    // The same walk over the trigger rules, which have no sentence: what each
+    // says, in store order, for a tool to word itself.
+    std::vector<TOVTriggerDescription> describeTriggerRules() const;
+    // The object types that the rules of all kinds are written for, as loaded
+    // ("<any>" for "ALL"), each once, for tools that hold them against the data model.
+    std::set<std::string> collectObjectTypesOfRules() const;
 
     // Every list under its heading, in a fixed order.
     void printContentsDBG(TOVLogger* logger) const;

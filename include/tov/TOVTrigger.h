@@ -10,6 +10,16 @@
 
 class TOVLogger;
 
+// What one trigger rule says, for tools that tell rules to people. A trigger
+// has no sentence of its own, since it is never reported as a violation, so a
+// tool words it from these four texts.
+struct TOVTriggerDescription {
+    std::string objectType;           // "<any>" for a rule listed under "ALL"
+    std::string attribute;            // the watched attribute
+    std::string triggerInitialize;    // the attribute to initialize, or the abstract word
+    std::string initializationValue;  // the value it is to receive
+};
+
 class TOV_API TOVTrigger {
 public:
     TOVTrigger();

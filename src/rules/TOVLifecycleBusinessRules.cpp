@@ -339,3 +339,32 @@ std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expr
     appendSentences("file constraint", fileConstraints, sentences);
     return sentences;
 }
+
+std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRules() const {
+    std::vector<TOVTriggerDescription> descriptions;
+    descriptions.reserve(triggers.size());
+    for (const TOVTrigger& rule : triggers) {
+        descriptions.push_back({rule.getObjectType(), rule.getAttribute(),
+                                rule.getTriggerInitialize(), rule.getInitializationValue()});
+    }
+    return descriptions;
+}
+
+std::set<std::string> TOVLifecycleBusinessRules::collectObjectTypesOfRules() const {
+    std::set<std::string> objectTypes;
+    // A lambda here shares the store's friendship with the rule classes.
+    const auto insertObjectTypes = [&objectTypes](const auto& rules) {
+        for (const auto& rule : rules) {
+            objectTypes.insert(rule.getObjectType());
+        }
+    };
+    insertObjectTypes(transitionsFreeze);
+    insertObjectTypes(historyLinks);
+    insertObjectTypes(manualLinks);
+    insertObjectTypes(transitions);
+    insertObjectTypes(fileConstraints);
+    insertObjectTypes(versioningSelections);
+    insertObjectTypes(conflictResolutions);
+    insertObjectTypes(triggers);
+    return objectTypes;
+}

@@ -1,6 +1,7 @@
-# Installs the main build into a private prefix and builds a small host against
-# it twice: through find_package(tov) and through pkg-config. Each program is
-# run. Expects SOURCE_DIR, BUILD_DIR and WORK_DIR.
+# Installs the main build into a private prefix and builds the example host
+# (examples/host) against it twice: through find_package(tov) and through
+# pkg-config. Each program runs on the example documents. Expects SOURCE_DIR,
+# BUILD_DIR and WORK_DIR.
 cmake_minimum_required(VERSION 3.25)
 
 foreach(var SOURCE_DIR BUILD_DIR WORK_DIR)
@@ -10,7 +11,7 @@ foreach(var SOURCE_DIR BUILD_DIR WORK_DIR)
 endforeach()
 
 set(prefix "${WORK_DIR}/prefix")
-set(consumer_source "${SOURCE_DIR}/tests/install/consumer")
+set(consumer_source "${SOURCE_DIR}/examples/host")
 set(consumer_build "${WORK_DIR}/consumer-build")
 
 # Runs a command; any failure ends the test with the command's output.
@@ -65,6 +66,20 @@ if(NOT EXISTS "${prefix}/include/tov/tov.h")
   message(FATAL_ERROR "tov/tov.h is not installed")
 endif()
 
+foreach(schema rules datamodel edit-request link-request options-query)
+  if(NOT EXISTS "${prefix}/share/tov/schemas/${schema}.schema.json")
+    message(FATAL_ERROR "share/tov/schemas/${schema}.schema.json is not installed")
+  endif()
+endforeach()
+
+# The installed program finds the installed library by itself and reads the
+# example documents.
+read_main_cache(TOV_BUILD_TOOLS build_tools)
+if(build_tools)
+  run_step("installed tov check" "${prefix}/bin/tov" check
+    --rules "${SOURCE_DIR}/examples/rules.json" --dm "${SOURCE_DIR}/examples/datamodel.json")
+endif()
+
 # 1. As a CMake package.
 run_step("consumer configure" "${CMAKE_COMMAND}"
   -S "${consumer_source}" -B "${consumer_build}" -G Ninja
@@ -75,7 +90,7 @@ run_step("consumer configure" "${CMAKE_COMMAND}"
   -DCMAKE_BUILD_TYPE=Release
   "-DCMAKE_PREFIX_PATH=${prefix}")
 run_step("consumer build" "${CMAKE_COMMAND}" --build "${consumer_build}")
-run_step("consumer run (find_package)" "${consumer_build}/tov_consumer")
+run_step("consumer run (find_package)" "${consumer_build}/tov_host" "${SOURCE_DIR}/examples")
 message(STATUS "find_package consumer: ${step_output}")
 
 # 2. Through pkg-config, with no help: the file finds its prefix from its own place.
@@ -97,7 +112,7 @@ string(STRIP "${step_output}" pc_flags)
 separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
 separate_arguments(extra_flags UNIX_COMMAND "${cxx_flags} ${exe_linker_flags}")
 run_step("pkg-config compile" "${cxx}" "${consumer_source}/main.cpp"
-  ${pc_flags} ${extra_flags} -o "${WORK_DIR}/tov_consumer_pc")
+  ${pc_flags} ${extra_flags} -o "${WORK_DIR}/tov_host_pc")
 run_step("consumer run (pkg-config)" "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${libdir}"
-  "${WORK_DIR}/tov_consumer_pc")
+  "${WORK_DIR}/tov_host_pc" "${SOURCE_DIR}/examples")
 message(STATUS "pkg-config consumer: ${step_output}")

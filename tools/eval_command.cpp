@@ -1,0 +1,101 @@
+// tov eval: one request, one answer.
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "commands.h"
+#include "request_kinds.h"
+
+namespace tovcli {
+
+namespace {
+
+struct EvalOptions {
+    std::string kind;
+    DocumentPaths documents;
+    std::string requestPath;  // empty or "-": standard input
+    std::string log = "off";
+};
+
+int exitStatusOf(const TOVResponse& response) {
+    if (response.getGeneralResult()) {
+        return kExitSuccess;
+    }
+    TOVMissingDataForEvaluation missing;
+    return response.needsReevaluation(missing) ? kExitNeedsReevaluation : kExitFailure;
+}
+
+int runEval(const EvalOptions& options) {
+    const RequestKind* kind = findRequestKind(options.kind);
+    std::string logFolder;
+    std::string error;
+    if (kind == nullptr) {
+        std::cerr << "tov: unknown kind " << options.kind << "; expected "
+                  << requestKindNamesInWords() << "\n";
+        return kExitUsageOrInput;
+    }
+    if (!resolveLogOption(options.log, logFolder, error)) {
+        std::cerr << "tov: " << error << "\n";
+        return kExitUsageOrInput;
+    }
+    std::vector<Document> documents;
+    if (!readDocuments(options.documents, documents, std::cerr)) {
+        return kExitUsageOrInput;
+    }
+    std::string request;
+    if (!readInput(options.requestPath, "request", request, error)) {
+        std::cerr << "tov: " << error << "\n";
+        return kExitUsageOrInput;
+    }
+
+    PrivateCore core(logFolder);
+    // A document that does not load would make every answer a refusal that says
+    // nothing about the request, so it is the program's input error instead.
+    if (!loadDocuments(documents, core, false, std::cerr)) {
+        return kExitUsageOrInput;
+    }
+    const TOVResponse response = kind->evaluate(request, core.get());
+    std::cout << response.turnResponseIntoASingleString() << std::endl;
+    std::cerr << response.createVemoInfoMessage() << std::endl;
+    return exitStatusOf(response);
+}
+
+}  // namespace
+
+Command addEvalCommand(CLI::App& program) {
+    auto options = std::make_shared<EvalOptions>();
+    CLI::App* command = program.add_subcommand("eval", "Evaluate one request");
+    command->add_option("KIND", options->kind, "The kind of request: " + requestKindNamesInWords())
+        ->required()
+        ->check(CLI::IsMember(requestKindNames()));
+    command
+        ->add_option("REQUEST", options->requestPath,
+                     "The request document (JSON); - or nothing reads standard input")
+        ->type_name("FILE");
+    addDocumentOptions(*command, options->documents, true);
+    addLogOption(*command, options->log);
+
+    std::vector<std::string> help = {"Kinds:"};
+    for (const RequestKind& kind : requestKinds()) {
+        help.push_back("  " + std::string(kind.name) + ": " + kind.question);
+    }
+    help.insert(
+        help.end(),
+        {
+            "Output: the response's single-string form, one JSON object of strings such as "
+            "{\"Result\":\"Success\",\"ResultComment\":\"Edit attempt approved\"}, on "
+            "standard output; its info message (\"Success! ...\" or \"Failure! ...\") on "
+            "standard error.",
+            "Exit status: 0 Success; 1 Failure; 3 Failure that asks for more data "
+            "(\"ObjectFamilyMembers\" or \"ManualLinkAncestors\" is \"MissingData\": send "
+            "the request again with \"membersOfFamily\" or \"manualLinkAncestors\"); 2 bad "
+            "arguments, a file that cannot be read, or a document that does not load (its "
+            "faults then go to standard error as check tells them, and nothing is evaluated).",
+            kLogHelp,
+            "Example: tov eval edit --rules rules.json --dm datamodel.json request.json",
+        });
+    command->footer(helpText(help));
+    return {command, [options] { return runEval(*options); }};
+}
+
+}  // namespace tovcli
