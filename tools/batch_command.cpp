@@ -73,7 +73,8 @@ std::string answerLine(const std::string& line, std::size_t lineNumber, PrivateC
         return errorLine(lineNumber, "empty line");
     }
     rapidjson::Document parsed;
-    parsed.Parse(line.c_str(), line.size());
+    // Iterative, so that a deeply nested line cannot overflow the stack.
+    parsed.Parse<rapidjson::kParseIterativeFlag>(line.c_str(), line.size());
     if (parsed.HasParseError()) {
         return errorLine(lineNumber, std::string("not JSON: ") +
                                          rapidjson::GetParseError_En(parsed.GetParseError()) +

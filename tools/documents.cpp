@@ -66,7 +66,8 @@ void explainUnusableText(const Document& document, std::ostream& out) {
         return;
     }
     rapidjson::Document json;
-    json.Parse(document.text.c_str());
+    // Iterative like the library's own parse, so deep nesting cannot overflow the stack.
+    json.Parse<rapidjson::kParseIterativeFlag>(document.text.c_str());
     if (json.HasParseError()) {
         const std::size_t offset = json.GetErrorOffset();
         std::size_t line = 1;

@@ -184,6 +184,10 @@ def info_message(answer):
     return response["Result"] + "! " + response["ResultComment"]
 
 
+# Deep enough that a recursive parse would run out of stack.
+DEEP = 1000000
+
+
 class ProgramTest(unittest.TestCase):
     """Runs the program in a temporary folder that holds the documents."""
 
@@ -331,6 +335,13 @@ class CheckCommand(ProgramTest):
         self.assertEqual(result.returncode, 1)
         self.assertEqual(result.stdout, "broken.json: Json has fundamental parsing error\n"
                                         "broken.json:2:15: note: Invalid value.\n")
+
+    def test_deeply_nested_text_is_told_without_exhausting_the_stack(self):
+        self.write("deep.json", "[" * DEEP)
+        result = self.tov("check", "--rules", "deep.json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout, "deep.json: Json has fundamental parsing error\n"
+                                        "deep.json:1:" + str(DEEP + 1) + ": note: Invalid value.\n")
 
     def test_a_document_that_is_no_object(self):
         self.write("list.json", "[]")
@@ -685,6 +696,14 @@ class BatchCommand(ProgramTest):
                                   "values. (column " + str(len(lines[10]) - 1) + ")"},
         ])
         self.assertEqual(answers[-1], APPROVED_EDIT)
+
+    def test_a_deeply_nested_line_is_answered_without_exhausting_the_stack(self):
+        result = self.batch(["[" * DEEP + "]" * DEEP, "[" * DEEP])
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout.splitlines(), [
+            '{"line":1,"error":"not a JSON object"}',
+            '{"line":2,"error":"not JSON: Invalid value. (column ' + str(DEEP + 1) + ')"}',
+        ])
 
     def test_an_error_line_is_exactly_this(self):
         result = self.batch(["[]"])
