@@ -286,13 +286,8 @@ private:
 
 int runBatch(const BatchOptions& options) {
     std::string logFolder;
-    std::string error;
-    if (!resolveLogOption(options.log, logFolder, error)) {
-        std::cerr << "tov: " << error << "\n";
-        return kExitUsageOrInput;
-    }
     std::vector<Document> documents;
-    if (!readDocuments(options.documents, documents, std::cerr)) {
+    if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
         return kExitUsageOrInput;
     }
     const bool fromFile = !isStandardInput(options.requestsPath);

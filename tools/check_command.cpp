@@ -58,13 +58,8 @@ void noteUnknownObjectTypes(const std::vector<Document>& documents, PrivateCore&
 
 int runCheck(const CheckOptions& options) {
     std::string logFolder;
-    std::string error;
-    if (!resolveLogOption(options.log, logFolder, error)) {
-        std::cerr << "tov: " << error << "\n";
-        return kExitUsageOrInput;
-    }
     std::vector<Document> documents;
-    if (!readDocuments(options.documents, documents, std::cerr)) {
+    if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
         return kExitUsageOrInput;
     }
     PrivateCore core(logFolder);

@@ -245,4 +245,14 @@ bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core, bo
     return allLoaded;
 }
 
+bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
+                    std::string& logFolder, std::vector<Document>& documents) {
+    std::string error;
+    if (!resolveLogOption(logOption, logFolder, error)) {
+        std::cerr << "tov: " << error << "\n";
+        return false;
+    }
+    return readDocuments(paths, documents, std::cerr);
+}
+
 }  // namespace tovcli

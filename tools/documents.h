@@ -38,6 +38,11 @@ struct DocumentPaths {
 bool readDocuments(const DocumentPaths& paths, std::vector<Document>& documents,
                    std::ostream& errors);
 
+// The start of every command: where the log goes, and the documents' texts.
+// False, with the reason told on standard error, for a usage or input error.
+bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
+                    std::string& logFolder, std::vector<Document>& documents);
+
 // The outcome of loading one document.
 struct LoadOutcome {
     TOVResponse response;

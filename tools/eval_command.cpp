@@ -27,21 +27,17 @@ int exitStatusOf(const TOVResponse& response) {
 
 int runEval(const EvalOptions& options) {
     const RequestKind* kind = findRequestKind(options.kind);
-    std::string logFolder;
-    std::string error;
     if (kind == nullptr) {
         std::cerr << "tov: unknown kind " << options.kind << "; expected "
                   << requestKindNamesInWords() << "\n";
         return kExitUsageOrInput;
     }
-    if (!resolveLogOption(options.log, logFolder, error)) {
-        std::cerr << "tov: " << error << "\n";
-        return kExitUsageOrInput;
-    }
+    std::string logFolder;
     std::vector<Document> documents;
-    if (!readDocuments(options.documents, documents, std::cerr)) {
+    if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
         return kExitUsageOrInput;
     }
+    std::string error;
     std::string request;
     if (!readInput(options.requestPath, "request", request, error)) {
         std::cerr << "tov: " << error << "\n";

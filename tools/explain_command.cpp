@@ -99,13 +99,8 @@ void explainLibraryItem(const TOVLifecycleBusinessRules& rules, const TOV_DMStru
 
 int runExplain(const ExplainOptions& options) {
     std::string logFolder;
-    std::string error;
-    if (!resolveLogOption(options.log, logFolder, error)) {
-        std::cerr << "tov: " << error << "\n";
-        return kExitUsageOrInput;
-    }
     std::vector<Document> documents;
-    if (!readDocuments(options.documents, documents, std::cerr)) {
+    if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
         return kExitUsageOrInput;
     }
     PrivateCore core(logFolder);
