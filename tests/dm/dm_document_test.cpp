@@ -3,7 +3,7 @@
 // log of a successful load.
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -115,10 +115,12 @@ protected:
 // A scratch folder of its own, removed afterwards.
 class DMDocumentFileTest : public DMDocumentTest {
 protected:
+    // mkdtemp, because tests run in parallel processes whose fixtures can sit
+    // at the same address.
     void SetUp() override {
-        folder = fs::temp_directory_path() /
-                 ("tov_dm_document_" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-        fs::create_directories(folder);
+        char pattern[] = "/tmp/tov_dm_document_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        folder = pattern;
     }
     void TearDown() override {
         std::error_code ignored;
