@@ -53,13 +53,11 @@ bool TOVVersionerAttributesJsonParser::readAttributes(rapidjson::Value& root,
         setParsingResult(false);
         return false;
     }
-    AttributesMap collected;
-    if (!collectKeyValuesPairsFromSection(section, collected)) {
+    if (!collectKeyValuesPairsFromSection(section, attributes)) {
         setErrorParsingTheKeysValuesMapOfAttribute(sectionKeyword);
         setParsingResult(false);
         return false;
     }
-    attributes = collected;
     return true;
 }
 

@@ -45,7 +45,8 @@ protected:
 class TOVVersionerAttributesJsonParser : public TOVJsonParser {
 protected:
     // True, with the packet in `attributes`, when the section is an object of
-    // strings; a failed packet is dropped whole.
+    // strings. On false `attributes` may hold part of the packet: the callers
+    // pass a fresh map and drop it, so a failed packet never reaches the finder.
     bool readAttributes(rapidjson::Value& root, const char* sectionKeyword,
                         AttributesMap& attributes);
 };

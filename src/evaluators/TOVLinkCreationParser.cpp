@@ -32,12 +32,10 @@ bool TOVLinkedObjectJsonParser::readLinkedObject(rapidjson::Value& root, const c
     if (!getJsonSection(root, sectionKeyword, section)) {
         return true;
     }
-    std::string localType;
-    AttributesMap localAttributes;
     for (const auto& member : section.GetObject()) {
         const std::string keyword = getMemberName(member.name);
         if (keyword == TOVTransitionJson_ObjectType) {
-            if (!collectStringFromValue(member.value, localType)) {
+            if (!collectStringFromValue(member.value, type)) {
                 setAttributeValueStringParsingError("", keyword);
                 setParsingResult(false);
                 return false;
@@ -48,20 +46,18 @@ bool TOVLinkedObjectJsonParser::readLinkedObject(rapidjson::Value& root, const c
                 setParsingResult(false);
                 return false;
             }
-            if (!collectKeyValuesPairsFromSection(member.value, localAttributes)) {
+            if (!collectKeyValuesPairsFromSection(member.value, attributes)) {
                 setErrorParsingTheKeysValuesMapOfAttribute(keyword);
                 setParsingResult(false);
                 return false;
             }
         }
     }
-    if (localType.empty() || localAttributes.empty()) {
+    if (type.empty() || attributes.empty()) {
         setNotAllNecessaryKeywordsFoundParsingError("");
         setParsingResult(false);
         return false;
     }
-    type = localType;
-    attributes = localAttributes;
     return true;
 }
 

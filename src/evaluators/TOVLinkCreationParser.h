@@ -34,8 +34,9 @@ class TOVLinkedObjectJsonParser : public TOVJsonParser {
 protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 
-    // True when the section is absent, or of another JSON type, or complete; on
-    // true `type` and `attributes` hold what it gave, or stay empty when absent.
+    // True when the section is absent, or of another JSON type, or complete.
+    // Reads into `type` and `attributes`, which the caller passes empty and
+    // stores only on true, so a section that gives up stores nothing.
     bool readLinkedObject(rapidjson::Value& root, const char* sectionKeyword, std::string& type,
                           AttributesMap& attributes);
 
