@@ -19,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "commands.h"
@@ -348,7 +349,7 @@ int runBatch(const BatchOptions& options) {
         if (index == 0 && text.compare(0, 3, "\xEF\xBB\xBF") == 0) {
             text.erase(0, 3);  // a byte order mark that some editors write
         }
-        pipeline.push({index++, text, bytes});
+        pipeline.push({index++, std::move(text), bytes});
     }
     pipeline.close();
     for (std::thread& worker : workers) {
