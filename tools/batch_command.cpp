@@ -7,11 +7,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <deque>
 #include <filesystem>
 #include <iostream>
@@ -21,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "commands.h"
@@ -290,22 +289,13 @@ int runBatch(const BatchOptions& options) {
     if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
         return kExitUsageOrInput;
     }
-    const bool fromFile = !isStandardInput(options.requestsPath);
-    std::FILE* input = stdin;
-    if (fromFile) {
-        std::error_code ignored;
-        if (std::filesystem::is_directory(options.requestsPath, ignored)) {
-            std::cerr << "tov: cannot read requests " << options.requestsPath
-                      << ": Is a directory\n";
-            return kExitUsageOrInput;
-        }
-        input = std::fopen(options.requestsPath.c_str(), "rb");
-        if (input == nullptr) {
-            std::cerr << "tov: cannot read requests " << options.requestsPath << ": "
-                      << std::strerror(errno) << "\n";
-            return kExitUsageOrInput;
-        }
+    std::string error;
+    std::FILE* input = openInput(options.requestsPath, "requests", error);
+    if (input == nullptr) {
+        std::cerr << "tov: " << error << "\n";
+        return kExitUsageOrInput;
     }
+    const bool fromFile = input != stdin;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closeInput(
         fromFile ? input : nullptr, [](std::FILE* file) { return std::fclose(file); });
 
@@ -359,7 +349,7 @@ int runBatch(const BatchOptions& options) {
         if (index == 0 && text.compare(0, 3, "\xEF\xBB\xBF") == 0) {
             text.erase(0, 3);  // a byte order mark that some editors write
         }
-        pipeline.push({index++, text, bytes});
+        pipeline.push({index++, std::move(text), bytes});
     }
     pipeline.close();
     for (std::thread& worker : workers) {

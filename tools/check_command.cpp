@@ -16,30 +16,23 @@ struct CheckOptions {
 
 // A document that loads but holds nothing makes every evaluation fail, which
 // its author would rather hear now.
-void noteEmptyStores(const std::vector<Document>& documents, PrivateCore& core) {
-    for (const Document& document : documents) {
-        if (document.kind == Document::kRules && !core.rules().existAnyRules()) {
-            std::cout << document.path
-                      << ": note: no rules, so every request will be refused with "
-                         "\"Uninitialized TOV rules\"\n";
-        }
-        if (document.kind == Document::kDataModel && !core.dataModel().existAnyInfo()) {
-            std::cout << document.path
-                      << ": note: no object types, so evaluations that need them will be "
-                         "refused with \"Uninitialized Dm Information\"\n";
-        }
+void noteEmptyStores(const DocumentPaths& paths, PrivateCore& core) {
+    if (!paths.dataModelPath.empty() && !core.dataModel().existAnyInfo()) {
+        std::cout << paths.dataModelPath
+                  << ": note: no object types, so evaluations that need them will be "
+                     "refused with \"Uninitialized Dm Information\"\n";
+    }
+    if (!core.rules().existAnyRules()) {
+        std::cout << paths.rulesPath
+                  << ": note: no rules, so every request will be refused with "
+                     "\"Uninitialized TOV rules\"\n";
     }
 }
 
 // A rule written for an object type that the data model does not describe is
 // most often a misspelt name, and such a rule quietly never applies.
-void noteUnknownObjectTypes(const std::vector<Document>& documents, PrivateCore& core) {
-    const Document* rules = nullptr;
-    const Document* dataModel = nullptr;
-    for (const Document& document : documents) {
-        (document.kind == Document::kRules ? rules : dataModel) = &document;
-    }
-    if (rules == nullptr || dataModel == nullptr || !core.dataModel().existAnyInfo()) {
+void noteUnknownObjectTypes(const DocumentPaths& paths, PrivateCore& core) {
+    if (paths.dataModelPath.empty() || !core.dataModel().existAnyInfo()) {
         return;
     }
     const std::vector<TOV_DMStructureObject>& described = core.dataModel().getAllStructureObjects();
@@ -50,8 +43,9 @@ void noteUnknownObjectTypes(const std::vector<Document>& documents, PrivateCore&
                                                                                   object.getName());
             });
         if (!known) {
-            std::cout << rules->path << ": note: the rules for " << objectType
-                      << " concern no object type of the data model " << dataModel->path << "\n";
+            std::cout << paths.rulesPath << ": note: the rules for " << objectType
+                      << " concern no object type of the data model " << paths.dataModelPath
+                      << "\n";
         }
     }
 }
@@ -65,8 +59,8 @@ int runCheck(const CheckOptions& options) {
     PrivateCore core(logFolder);
     const bool allLoaded = loadDocuments(documents, core, true, std::cout);
     if (allLoaded) {
-        noteEmptyStores(documents, core);
-        noteUnknownObjectTypes(documents, core);
+        noteEmptyStores(options.documents, core);
+        noteUnknownObjectTypes(options.documents, core);
     }
     return allLoaded ? kExitSuccess : kExitFailure;
 }

@@ -27,6 +27,11 @@ bool readStream(std::FILE* stream, std::string& text) {
     return std::ferror(stream) == 0;
 }
 
+std::string cannotRead(const std::string& path, const char* what, int errorNumber) {
+    const std::string source = isStandardInput(path) ? " from standard input" : " " + path;
+    return std::string("cannot read ") + what + source + ": " + std::strerror(errorNumber);
+}
+
 std::vector<std::string> splitFaults(const std::string& comment) {
     std::vector<std::string> faults;
     std::string::size_type start = 0;
@@ -137,31 +142,37 @@ bool isStandardInput(const std::string& path) {
     return path.empty() || path == "-";
 }
 
-bool readInput(const std::string& path, const char* what, std::string& text, std::string& error) {
-    text.clear();
+std::FILE* openInput(const std::string& path, const char* what, std::string& error) {
     if (isStandardInput(path)) {
-        if (!readStream(stdin, text)) {
-            error = std::string("cannot read ") + what +
-                    " from standard input: " + std::strerror(errno);
-            return false;
-        }
-        return true;
+        return stdin;
     }
+    // A folder opens, but reading it fails, and a line reader would take that
+    // for an empty input.
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) {
-        error = std::string("cannot read ") + what + " " + path + ": " + std::strerror(EISDIR);
-        return false;
+        error = cannotRead(path, what, EISDIR);
+        return nullptr;
     }
     std::FILE* file = std::fopen(path.c_str(), "rb");
     if (file == nullptr) {
-        error = std::string("cannot read ") + what + " " + path + ": " + std::strerror(errno);
+        error = cannotRead(path, what, errno);
+    }
+    return file;
+}
+
+bool readInput(const std::string& path, const char* what, std::string& text, std::string& error) {
+    text.clear();
+    std::FILE* input = openInput(path, what, error);
+    if (input == nullptr) {
         return false;
     }
-    const bool read = readStream(file, text);
+    const bool read = readStream(input, text);
     const int readErrno = errno;
-    std::fclose(file);
+    if (input != stdin) {
+        std::fclose(input);
+    }
     if (!read) {
-        error = std::string("cannot read ") + what + " " + path + ": " + std::strerror(readErrno);
+        error = cannotRead(path, what, readErrno);
         return false;
     }
     return true;

@@ -15,6 +15,10 @@ namespace tovcli {
 // True when `path` names standard input: "-" or nothing at all.
 bool isStandardInput(const std::string& path);
 
+// Opens a file for reading, or gives standard input for "-" or nothing. Null,
+// with the reason in `error` ("cannot read x: Is a directory"), when it cannot.
+std::FILE* openInput(const std::string& path, const char* what, std::string& error);
+
 // Reads a whole file, or standard input for "-". False, with the reason in
 // `error` ("cannot read x: No such file or directory"), when it cannot.
 bool readInput(const std::string& path, const char* what, std::string& text, std::string& error);

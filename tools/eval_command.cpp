@@ -26,12 +26,8 @@ int exitStatusOf(const TOVResponse& response) {
 }
 
 int runEval(const EvalOptions& options) {
-    const RequestKind* kind = findRequestKind(options.kind);
-    if (kind == nullptr) {
-        std::cerr << "tov: unknown kind " << options.kind << "; expected "
-                  << requestKindNamesInWords() << "\n";
-        return kExitUsageOrInput;
-    }
+    // The command line admits only the names of kinds.
+    const RequestKind& kind = *findRequestKind(options.kind);
     std::string logFolder;
     std::vector<Document> documents;
     if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
@@ -50,7 +46,7 @@ int runEval(const EvalOptions& options) {
     if (!loadDocuments(documents, core, false, std::cerr)) {
         return kExitUsageOrInput;
     }
-    const TOVResponse response = kind->evaluate(request, core.get());
+    const TOVResponse response = kind.evaluate(request, core.get());
     std::cout << response.turnResponseIntoASingleString() << std::endl;
     std::cerr << response.createVemoInfoMessage() << std::endl;
     return exitStatusOf(response);

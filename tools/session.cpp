@@ -9,16 +9,8 @@
 
 namespace tovcli {
 
-namespace {
-
-bool equalsIgnoringCase(const std::string& text, const char* word) {
-    return areStringsEqualSimple(text, word);
-}
-
-}  // namespace
-
 bool resolveLogOption(const std::string& option, std::string& libraryFolder, std::string& error) {
-    if (option.empty() || equalsIgnoringCase(option, "off")) {
+    if (option.empty() || areStringsEqualSimple(option, "off")) {
         libraryFolder.clear();  // the library's word for silence
         return true;
     }

@@ -804,6 +804,13 @@ class BatchCommand(ProgramTest):
         self.assertEqual(result.stderr, "tov: cannot read requests missing.jsonl: No such file "
                                         "or directory\n")
 
+    def test_a_folder_for_requests_is_unreadable_not_empty(self):
+        os.mkdir(self.path("folder"))
+        result = self.tov("batch", *self.documents(), "folder")
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual(result.stdout, "")
+        self.assertEqual(result.stderr, "tov: cannot read requests folder: Is a directory\n")
+
     def test_documents_that_do_not_load_stop_before_any_line(self):
         self.write_json("bad.json", {"transitions": {"Part": [{"attribute": "Status"}]}})
         self.write("requests.jsonl", batch_line("edit", RETITLE) + "\n")
