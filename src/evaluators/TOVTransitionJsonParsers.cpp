@@ -24,41 +24,11 @@ bool TOVTransitionJsonParser::load(const std::string& input, bool inputIsFilePat
     return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
-namespace {
-
-// Runs one section parser on a fresh instance and hands back its outcome.
-template <typename SectionParser>
-bool runSection(rapidjson::Value& root, TOVEditController* controller, std::string& comment,
-                bool& result) {
-    SectionParser parser;
-    const bool parsed = parser.parseSection(root, controller);
-    comment = parser.getParsingErrorComment();
-    result = parser.getParsingResult();
-    return parsed;
-}
-
-}  // namespace
-
 bool TOVTransitionJsonParser::parseAllSections() {
-    if (controller == nullptr) {
-        return false;
-    }
     // The order of the sections is the order of their messages.
-    using Runner = bool (*)(rapidjson::Value&, TOVEditController*, std::string&, bool&);
-    const Runner sections[] = {
-        runSection<TOVMembersOfFamilyJsonParser>,  runSection<TOVManualLinkAncestorsJsonParser>,
-        runSection<TOVEditorObjectTypeJsonParser>, runSection<TOVInitialAttributesParser>,
-        runSection<TOVTargetAttributesParser>,
-    };
-    bool allParsed = true;
-    for (const Runner run : sections) {
-        std::string comment;
-        bool result = true;
-        allParsed = run(document, controller, comment, result) && allParsed;
-        appendToParsingErrorComment(comment.c_str());
-        updateParsingResult(result);
-    }
-    return allParsed;
+    return runSectionParsers<TOVMembersOfFamilyJsonParser, TOVManualLinkAncestorsJsonParser,
+                             TOVEditorObjectTypeJsonParser, TOVInitialAttributesParser,
+                             TOVTargetAttributesParser>(document, controller);
 }
 
 // --- TOVManualOrHistoryLinkJsonParser ---
