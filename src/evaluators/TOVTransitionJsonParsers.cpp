@@ -183,17 +183,9 @@ TOVInitialAttributesParser::~TOVInitialAttributesParser() = default;
 
 bool TOVInitialAttributesParser::parseSection(rapidjson::Value& root,
                                               TOVEditController* controller) {
-    rapidjson::Value section;
-    if (!getJsonSection(root, TOVTransitionJson_InitialAttributes, section)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
-    }
     // A fresh map, dropped on failure, so that a half-read packet never lands.
     AttributesMap values;
-    if (!collectKeyValuesPairsFromSection(section, values)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(TOVTransitionJson_InitialAttributes);
-        setParsingResult(false);
+    if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, values)) {
         return false;
     }
     controller->setFromValues(values);
@@ -214,17 +206,10 @@ TOVTargetAttributesParser::~TOVTargetAttributesParser() = default;
 
 bool TOVTargetAttributesParser::parseSection(rapidjson::Value& root,
                                              TOVEditController* controller) {
-    rapidjson::Value section;
-    if (!getJsonSection(root, TOVTransitionJson_TargetAttributes, section)) {
-        // Appends nothing: this parser names no necessary keyword.
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
-    }
+    // When the section is missing the keyword error appends nothing: this
+    // parser names no necessary keyword.
     AttributesMap values;
-    if (!collectKeyValuesPairsFromSection(section, values)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(TOVTransitionJson_TargetAttributes);
-        setParsingResult(false);
+    if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, values)) {
         return false;
     }
     controller->setToValues(values);
