@@ -1,6 +1,7 @@
 #include "tov/TOVEditController.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "evaluators/TOVTransitionJsonParsers.h"
 #include "frame/input_labels.h"
@@ -204,8 +205,7 @@ void TOVEditController::calculateAttributesToEdit() {
 
 void TOVEditController::calculateAllAttributeNames() {
     // A new object has no initial packet; its target names every attribute.
-    const std::vector<std::string> names = getKeysOfMap(fromValues.empty() ? toValues : fromValues);
-    allAttributeNames.insert(allAttributeNames.end(), names.begin(), names.end());
+    allAttributeNames = getKeysOfMap(fromValues.empty() ? toValues : fromValues);
     allAttributeNamesCalculated = true;
 }
 
@@ -221,7 +221,7 @@ void TOVEditController::sanitizeToValues() {
             changing.insert(*entry);
         }
     }
-    toValues = changing;
+    toValues = std::move(changing);
 }
 
 void TOVEditController::updateToValuesWithTheRepresentationFileUpdate() {

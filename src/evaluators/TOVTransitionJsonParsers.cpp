@@ -24,41 +24,11 @@ bool TOVTransitionJsonParser::load(const std::string& input, bool inputIsFilePat
     return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
-namespace {
-
-// Runs one section parser on a fresh instance and hands back its outcome.
-template <typename SectionParser>
-bool runSection(rapidjson::Value& root, TOVEditController* controller, std::string& comment,
-                bool& result) {
-    SectionParser parser;
-    const bool parsed = parser.parseSection(root, controller);
-    comment = parser.getParsingErrorComment();
-    result = parser.getParsingResult();
-    return parsed;
-}
-
-}  // namespace
-
 bool TOVTransitionJsonParser::parseAllSections() {
-    if (controller == nullptr) {
-        return false;
-    }
     // The order of the sections is the order of their messages.
-    using Runner = bool (*)(rapidjson::Value&, TOVEditController*, std::string&, bool&);
-    const Runner sections[] = {
-        runSection<TOVMembersOfFamilyJsonParser>,  runSection<TOVManualLinkAncestorsJsonParser>,
-        runSection<TOVEditorObjectTypeJsonParser>, runSection<TOVInitialAttributesParser>,
-        runSection<TOVTargetAttributesParser>,
-    };
-    bool allParsed = true;
-    for (const Runner run : sections) {
-        std::string comment;
-        bool result = true;
-        allParsed = run(document, controller, comment, result) && allParsed;
-        appendToParsingErrorComment(comment.c_str());
-        updateParsingResult(result);
-    }
-    return allParsed;
+    return runSectionParsers<TOVMembersOfFamilyJsonParser, TOVManualLinkAncestorsJsonParser,
+                             TOVEditorObjectTypeJsonParser, TOVInitialAttributesParser,
+                             TOVTargetAttributesParser>(document, controller);
 }
 
 // --- TOVManualOrHistoryLinkJsonParser ---
@@ -213,17 +183,9 @@ TOVInitialAttributesParser::~TOVInitialAttributesParser() = default;
 
 bool TOVInitialAttributesParser::parseSection(rapidjson::Value& root,
                                               TOVEditController* controller) {
-    rapidjson::Value section;
-    if (!getJsonSection(root, TOVTransitionJson_InitialAttributes, section)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
-    }
     // A fresh map, dropped on failure, so that a half-read packet never lands.
     AttributesMap values;
-    if (!collectKeyValuesPairsFromSection(section, values)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(TOVTransitionJson_InitialAttributes);
-        setParsingResult(false);
+    if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, values)) {
         return false;
     }
     controller->setFromValues(values);
@@ -244,17 +206,10 @@ TOVTargetAttributesParser::~TOVTargetAttributesParser() = default;
 
 bool TOVTargetAttributesParser::parseSection(rapidjson::Value& root,
                                              TOVEditController* controller) {
-    rapidjson::Value section;
-    if (!getJsonSection(root, TOVTransitionJson_TargetAttributes, section)) {
-        // Appends nothing: this parser names no necessary keyword.
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
-    }
+    // When the section is missing the keyword error appends nothing: this
+    // parser names no necessary keyword.
     AttributesMap values;
-    if (!collectKeyValuesPairsFromSection(section, values)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(TOVTransitionJson_TargetAttributes);
-        setParsingResult(false);
+    if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, values)) {
         return false;
     }
     controller->setToValues(values);

@@ -271,6 +271,22 @@ void TOVJsonParser::setObjectRulesNotAListError(const std::string& owner) {
     appendToParsingErrorComment(message.c_str());
 }
 
+bool TOVJsonParser::readNecessaryAttributesSection(rapidjson::Value& root, const char* keyword,
+                                                   AttributesMap& attributes) {
+    rapidjson::Value section;
+    if (!getJsonSection(root, keyword, section)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    if (!collectKeyValuesPairsFromSection(section, attributes)) {
+        setErrorParsingTheKeysValuesMapOfAttribute(keyword);
+        setParsingResult(false);
+        return false;
+    }
+    return true;
+}
+
 bool TOVJsonParser::collectRuleKeywordsFromMap(const rapidjson::Value& ruleObject,
                                                const std::string& objectType,
                                                const std::vector<const char*>& keywords,

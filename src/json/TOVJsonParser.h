@@ -91,6 +91,14 @@ protected:
     template <typename ReadRule>
     bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule);
 
+    // A necessary section that is an object of strings, such as the initial or
+    // the target attributes of a request. A missing member, or one of another
+    // type, gives the keyword error; a value that is no string, the key-value
+    // error under `keyword`. On false `attributes` may hold part of the packet,
+    // so callers read into a fresh map and drop it.
+    bool readNecessaryAttributesSection(rapidjson::Value& root, const char* keyword,
+                                        AttributesMap& attributes);
+
     // Reads a rule object whole as a map of strings and hands back the values
     // of `keywords` in their order. Every key must be present; empty values
     // pass. A member of another type, named or not, gives the key-value error,

@@ -3,10 +3,6 @@
 // whole answer in its single-string form.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
 #include <string>
 
 #include "test_support.h"
@@ -16,6 +12,7 @@ namespace {
 
 using tovtest::asText;
 using tovtest::PrivateCore;
+using tovtest::TempFile;
 
 using EvaluateFunction = TOVResponse (*)(const std::string&, TOVCoreDataControllers*);
 
@@ -67,25 +64,6 @@ const Flavour kSaveBeforeConflictResolution = {
     "SaveReprFileAttemptBeforeConflictResolution",
     EvaluateTOVSaveReprFileAttemptBeforeConflictResolution,
     EvaluateTOVSaveReprFileAttemptBeforeConflictResolutionFromFile};
-
-// A temporary file that removes itself.
-class TempFile {
-public:
-    explicit TempFile(const std::string& contents) {
-        char name[] = "/tmp/tov_edit_request_XXXXXX";
-        const int fd = mkstemp(name);
-        if (fd >= 0) {
-            close(fd);
-        }
-        path = name;
-        std::ofstream(path) << contents;
-    }
-    ~TempFile() { std::remove(path.c_str()); }
-    TempFile(const TempFile&) = delete;
-    TempFile& operator=(const TempFile&) = delete;
-
-    std::string path;
-};
 
 class EditEvaluation : public ::testing::Test {
 protected:

@@ -2,16 +2,12 @@
 // document with its parsers and their messages, the post-processing of the
 // packets and the lazily calculated values, family detection, and a few whole
 // attempts through the entry points.
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "test_support.h"
 #include "tov/tov.h"
@@ -547,36 +543,16 @@ TEST_F(EditRequestInputTest, AnyObjectTypeEvenAnEmptyOnePassesTheParse) {
     EXPECT_EQ(controller->getObjectType(), "Gizmo");
 }
 
-// A request written to a temporary file, removed again at the end of a test.
-class RequestFile {
-public:
-    explicit RequestFile(const std::string& content) {
-        char pattern[] = "/tmp/tov_edit_request_XXXXXX";
-        const int descriptor = mkstemp(pattern);
-        EXPECT_NE(descriptor, -1);
-        if (descriptor != -1) {
-            close(descriptor);
-        }
-        path = pattern;
-        std::ofstream(path, std::ios::binary) << content;
-    }
-    ~RequestFile() { std::remove(path.c_str()); }
-    const std::string& getPath() const { return path; }
-
-private:
-    std::string path;
-};
-
 TEST_F(EditRequestInputTest, WithTheFilepathLabelTheStringIsAPathWhateverTheLabelSays) {
     const std::string request =
         R"({"objectType":"Part","initialAttributes":{"A":"1"},"targetAttributes":{"A":"2"}})";
-    const RequestFile file(request);
+    const tovtest::TempFile file(request);
 
-    ASSERT_TRUE(parseLabeled(StringMap{{kLabel, file.getPath()}, {kFilepathLabel, "false"}}));
+    ASSERT_TRUE(parseLabeled(StringMap{{kLabel, file.path}, {kFilepathLabel, "false"}}));
     EXPECT_EQ(controller->getObjectType(), "Part");
     EXPECT_EQ(controller->getToValues(), (AttributesMap{{"A", "2"}, {"_file_upload_", "false"}}));
 
-    ASSERT_TRUE(parseLabeled(StringMap{{kLabel, file.getPath()}, {kFilepathLabel, ""}}));
+    ASSERT_TRUE(parseLabeled(StringMap{{kLabel, file.path}, {kFilepathLabel, ""}}));
     EXPECT_EQ(controller->getObjectType(), "Part");
 
     // The JSON text itself under the label is then taken as a path, and fails.
@@ -585,9 +561,9 @@ TEST_F(EditRequestInputTest, WithTheFilepathLabelTheStringIsAPathWhateverTheLabe
 }
 
 TEST_F(EditRequestInputTest, AFileWithAByteOrderMarkIsAFundamentalError) {
-    const RequestFile file(
+    const tovtest::TempFile file(
         "\xEF\xBB\xBF{\"objectType\":\"Part\",\"initialAttributes\":{},\"targetAttributes\":{}}");
-    EXPECT_FALSE(parseLabeled(StringMap{{kLabel, file.getPath()}, {kFilepathLabel, "true"}}));
+    EXPECT_FALSE(parseLabeled(StringMap{{kLabel, file.path}, {kFilepathLabel, "true"}}));
     EXPECT_EQ(response.getGeneralResultComment(), kFundamental);
 }
 
@@ -784,8 +760,8 @@ TEST_F(EditAttemptSmokeTest, AnUnknownObjectTypeMeetsOnlyTheRulesForEveryType) {
 
 TEST_F(EditAttemptSmokeTest, ARequestFileIsReadByTheFileEntryPoint) {
     load();
-    const RequestFile file(kReviewRequest);
-    EXPECT_EQ(tovtest::asText(EvaluateTOVEditAttemptFromFile(file.getPath(), core.get())),
+    const tovtest::TempFile file(kReviewRequest);
+    EXPECT_EQ(tovtest::asText(EvaluateTOVEditAttemptFromFile(file.path, core.get())),
               R"({"Result":"Success","ResultComment":"Edit attempt approved"})");
 }
 
