@@ -263,14 +263,16 @@ bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
 void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
     const char* heading, const std::string& objectType, const std::vector<std::string>& attributes,
     const AttributesMap& toValues, int count, TOVLogger* logger) const {
+    // Without a logger the lookup says nothing, so the text is not built either.
+    if (logger == nullptr) {
+        return;
+    }
     const std::string message =
         std::string("*******") + heading + "********\n" + objectType + " edits " +
         createCommaSeparatedListOfStrings(attributes) +
         ".All target values=" + createCommaSeparatedStringStringMap(toValues) + "..... I found " +
         std::to_string(count) + " related rules.";
-    if (logger != nullptr) {
-        logger->printToLog(message.c_str());
-    }
+    logger->printToLog(message.c_str());
 }
 
 void TOVLifecycleBusinessRules::printTransitionsFreezeContentsDBG(TOVLogger* logger) const {
