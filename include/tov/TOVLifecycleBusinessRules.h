@@ -135,6 +135,10 @@ private:
 
     // Shared bodies of the lookups and prints; the rules' accessors are private
     // to everyone but the store.
+    template <typename Rule, typename Holds>
+    static bool selectRules(const std::vector<Rule>& rules, const std::string& objectType,
+                            const TOV_DMStructure* structure, std::vector<const Rule*>& related,
+                            Holds&& holds);
     template <typename Rule>
     static bool selectRelatedRules(const std::vector<Rule>& rules, const std::string& objectType,
                                    const std::vector<std::string>& attributes,

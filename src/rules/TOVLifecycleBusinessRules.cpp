@@ -40,6 +40,23 @@ void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vecto
     }
 }
 
+// Every lookup walks one list in stored order and keeps each rule whose object
+// type matches and that `holds` accepts.
+template <typename Rule, typename Holds>
+bool TOVLifecycleBusinessRules::selectRules(const std::vector<Rule>& rules,
+                                            const std::string& objectType,
+                                            const TOV_DMStructure* structure,
+                                            std::vector<const Rule*>& related, Holds&& holds) {
+    bool found = false;
+    for (const Rule& rule : rules) {
+        if (objectTypesMatch(structure, rule.getObjectType(), objectType) && holds(rule)) {
+            related.push_back(&rule);
+            found = true;
+        }
+    }
+    return found;
+}
+
 // The plain lookup, shared by every kind that has a single attribute.
 template <typename Rule>
 bool TOVLifecycleBusinessRules::selectRelatedRules(const std::vector<Rule>& rules,
@@ -47,15 +64,9 @@ bool TOVLifecycleBusinessRules::selectRelatedRules(const std::vector<Rule>& rule
                                                    const std::vector<std::string>& attributes,
                                                    const TOV_DMStructure* structure,
                                                    std::vector<const Rule*>& related) {
-    bool found = false;
-    for (const Rule& rule : rules) {
-        if (objectTypesMatch(structure, rule.getObjectType(), objectType) &&
-            listHoldsAttribute(attributes, rule.getAttribute())) {
-            related.push_back(&rule);
-            found = true;
-        }
-    }
-    return found;
+    return selectRules(rules, objectType, structure, related, [&attributes](const Rule& rule) {
+        return listHoldsAttribute(attributes, rule.getAttribute());
+    });
 }
 
 template <typename Rule>
@@ -66,19 +77,11 @@ bool TOVLifecycleBusinessRules::selectRelatedLinkRules(const std::vector<Rule>& 
                                                        const AttributesMap& toValues,
                                                        const TOV_DMStructure* structure,
                                                        std::vector<const Rule*>& related) {
-    bool found = false;
-    for (const Rule& rule : rules) {
-        if (!objectTypesMatch(structure, rule.getObjectType(), objectType) ||
-            !listHoldsAttribute(attributes, rule.getAttribute())) {
-            continue;
-        }
-        if (areStringsEqualAccountingAlsoAnyValue(
-                candidateValue(rule.getAttribute(), fromValues, toValues), rule.getToValue())) {
-            related.push_back(&rule);
-            found = true;
-        }
-    }
-    return found;
+    return selectRules(rules, objectType, structure, related, [&](const Rule& rule) {
+        return listHoldsAttribute(attributes, rule.getAttribute()) &&
+               areStringsEqualAccountingAlsoAnyValue(
+                   candidateValue(rule.getAttribute(), fromValues, toValues), rule.getToValue());
+    });
 }
 
 TOVLifecycleBusinessRules::TOVLifecycleBusinessRules() = default;
@@ -251,28 +254,25 @@ bool TOVLifecycleBusinessRules::getRelatedManualLinkRulesExact(
 bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
     const std::string& objectType, const AttributesMap& packet, const TOV_DMStructure* structure,
     std::vector<const TOVVersioningSelection*>& related) const {
-    bool found = false;
-    for (const TOVVersioningSelection& rule : versioningSelections) {
-        if (objectTypesMatch(structure, rule.getObjectType(), objectType) &&
-            rule.mustSelectVersioningAttributesAccordingToRule(packet)) {
-            related.push_back(&rule);
-            found = true;
-        }
-    }
-    return found;
+    return selectRules(versioningSelections, objectType, structure, related,
+                       [&packet](const TOVVersioningSelection& rule) {
+                           return rule.mustSelectVersioningAttributesAccordingToRule(packet);
+                       });
 }
 
 void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
     const char* heading, const std::string& objectType, const std::vector<std::string>& attributes,
     const AttributesMap& toValues, int count, TOVLogger* logger) const {
+    // Without a logger the lookup says nothing, so the text is not built either.
+    if (logger == nullptr) {
+        return;
+    }
     const std::string message =
         std::string("*******") + heading + "********\n" + objectType + " edits " +
         createCommaSeparatedListOfStrings(attributes) +
         ".All target values=" + createCommaSeparatedStringStringMap(toValues) + "..... I found " +
         std::to_string(count) + " related rules.";
-    if (logger != nullptr) {
-        logger->printToLog(message.c_str());
-    }
+    logger->printToLog(message.c_str());
 }
 
 void TOVLifecycleBusinessRules::printTransitionsFreezeContentsDBG(TOVLogger* logger) const {

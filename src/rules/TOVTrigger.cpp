@@ -50,9 +50,6 @@ bool TOVTrigger::operator<(const TOVTrigger& other) const {
 }
 
 void TOVTrigger::printContentsDBG(TOVLogger* logger) const {
-    if (logger == nullptr) {
-        return;
-    }
     logger->printToLog("**TOVTrigger rule:");
     logger->printToLog(("Object type : " + objectType).c_str());
     logger->printToLog(("Attribute : " + attribute).c_str());

@@ -85,9 +85,6 @@ inline void appendRuleInWords(const LinkRuleView& rule, const char* neighbours, 
 
 inline void printRule(const LinkRuleView& rule, const char* title, const char* acceptableLabel,
                       TOVLogger* logger) {
-    if (logger == nullptr) {
-        return;
-    }
     logger->printToLog(title);
     logger->printToLog(("Object type : " + rule.objectType).c_str());
     logger->printToLog(("Attribute : " + rule.attribute).c_str());

@@ -233,6 +233,21 @@ TEST(RuleStore, ManualLookupLogsAlsoWhenItFindsNothing) {
               "0 related rules.\n");
 }
 
+TEST(RuleStore, ExactLookupsWithoutLoggerStillSelect) {
+    const TOV_DMStructure structure = makeStructure();
+    TOVLifecycleBusinessRules store;
+    store.appendNewHistoryLinkRule(TOVHistoryLink("Part", "A", "Q", "X", {"ok"}));
+    store.appendNewManualLinkRule(TOVManualLink("Part", "A", "Q", "X", {"ok"}));
+    std::vector<const TOVHistoryLink*> history;
+    std::vector<const TOVManualLink*> manual;
+    EXPECT_TRUE(store.getRelatedHistoryLinkRulesExact("Part", {"A"}, {}, {{"A", "X"}}, &structure,
+                                                      history, nullptr));
+    EXPECT_TRUE(store.getRelatedManualLinkRulesExact("Part", {"A"}, {}, {{"A", "X"}}, &structure,
+                                                     manual, nullptr));
+    EXPECT_EQ(history.size(), 1u);
+    EXPECT_EQ(manual.size(), 1u);
+}
+
 TEST(RuleStore, ManualLookupSelectsLikeHistoryLookup) {
     const TOV_DMStructure structure = makeStructure();
     PrivateCore core;
