@@ -31,33 +31,11 @@ void TOVVersionerObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::
 
 bool TOVVersionerObjectTypeJsonParser::parseSection(rapidjson::Value& root,
                                                     TOVConflictsResolutionOptionsFinder* finder) {
-    rapidjson::Value section;
-    // A member of another type is as good as missing.
-    if (!getJsonStringSection(root, TOVTransitionJson_ObjectType, section)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
-    }
     std::string objectType;
-    collectStringFromValue(section, objectType);
+    if (!readNecessaryStringSection(root, TOVTransitionJson_ObjectType, objectType)) {
+        return false;
+    }
     finder->setObjectType(objectType);
-    return true;
-}
-
-bool TOVVersionerAttributesJsonParser::readAttributes(rapidjson::Value& root,
-                                                      const char* sectionKeyword,
-                                                      AttributesMap& attributes) {
-    rapidjson::Value section;
-    if (!getJsonSection(root, sectionKeyword, section)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
-    }
-    if (!collectKeyValuesPairsFromSection(section, attributes)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(sectionKeyword);
-        setParsingResult(false);
-        return false;
-    }
     return true;
 }
 
@@ -75,7 +53,7 @@ void TOVVersionerInitialAttributesParser::getAllNecessaryKeywords(
 bool TOVVersionerInitialAttributesParser::parseSection(
     rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder) {
     AttributesMap attributes;
-    if (!readAttributes(root, TOVTransitionJson_InitialAttributes, attributes)) {
+    if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, attributes)) {
         return false;
     }
     finder->setInitialAttributes(attributes);
@@ -96,7 +74,7 @@ void TOVVersionerTargetAttributesParser::getAllNecessaryKeywords(
 bool TOVVersionerTargetAttributesParser::parseSection(rapidjson::Value& root,
                                                       TOVConflictsResolutionOptionsFinder* finder) {
     AttributesMap attributes;
-    if (!readAttributes(root, TOVTransitionJson_TargetAttributes, attributes)) {
+    if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, attributes)) {
         return false;
     }
     finder->setTargetAttributes(attributes);

@@ -41,18 +41,8 @@ protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 
-// What the two packet sections share: a necessary object of string values.
-class TOVVersionerAttributesJsonParser : public TOVJsonParser {
-protected:
-    // True, with the packet in `attributes`, when the section is an object of
-    // strings. On false `attributes` may hold part of the packet: the callers
-    // pass a fresh map and drop it, so a failed packet never reaches the finder.
-    bool readAttributes(rapidjson::Value& root, const char* sectionKeyword,
-                        AttributesMap& attributes);
-};
-
 // Reads the necessary "initialAttributes" packet.
-class TOVVersionerInitialAttributesParser : public TOVVersionerAttributesJsonParser {
+class TOVVersionerInitialAttributesParser : public TOVJsonParser {
 public:
     ~TOVVersionerInitialAttributesParser() override;
 
@@ -64,7 +54,7 @@ protected:
 };
 
 // Reads the necessary "targetAttributes" packet.
-class TOVVersionerTargetAttributesParser : public TOVVersionerAttributesJsonParser {
+class TOVVersionerTargetAttributesParser : public TOVJsonParser {
 public:
     ~TOVVersionerTargetAttributesParser() override;
 

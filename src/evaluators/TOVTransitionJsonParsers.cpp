@@ -157,14 +157,10 @@ TOVEditorObjectTypeJsonParser::~TOVEditorObjectTypeJsonParser() = default;
 
 bool TOVEditorObjectTypeJsonParser::parseSection(rapidjson::Value& root,
                                                  TOVEditController* controller) {
-    rapidjson::Value value;
-    if (!getJsonStringSection(root, TOVTransitionJson_ObjectType, value)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
+    std::string objectType;
+    if (!readNecessaryStringSection(root, TOVTransitionJson_ObjectType, objectType)) {
         return false;
     }
-    std::string objectType;
-    collectStringFromValue(value, objectType);
     controller->setObjectType(objectType);
     return true;
 }

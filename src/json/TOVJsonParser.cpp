@@ -287,6 +287,18 @@ bool TOVJsonParser::readNecessaryAttributesSection(rapidjson::Value& root, const
     return true;
 }
 
+bool TOVJsonParser::readNecessaryStringSection(rapidjson::Value& root, const char* keyword,
+                                               std::string& text) {
+    rapidjson::Value section;
+    // A member of another type is as good as missing.
+    if (!getJsonStringSection(root, keyword, section)) {
+        setNotAllNecessaryKeywordsFoundParsingError("");
+        setParsingResult(false);
+        return false;
+    }
+    return collectStringFromValue(section, text);
+}
+
 bool TOVJsonParser::collectRuleKeywordsFromMap(const rapidjson::Value& ruleObject,
                                                const std::string& objectType,
                                                const std::vector<const char*>& keywords,

@@ -98,6 +98,9 @@ protected:
     // so callers read into a fresh map and drop it.
     bool readNecessaryAttributesSection(rapidjson::Value& root, const char* keyword,
                                         AttributesMap& attributes);
+    // The same for a necessary string, such as the object type of a request;
+    // an empty string passes.
+    bool readNecessaryStringSection(rapidjson::Value& root, const char* keyword, std::string& text);
 
     // Reads a rule object whole as a map of strings and hands back the values
     // of `keywords` in their order. Every key must be present; empty values
