@@ -26,6 +26,11 @@ bool TOV_DMInfoJsonParser::load(const std::string& input, bool inputIsFilePath) 
     return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
+bool TOV_DMInfoJsonParser::parseAllSections() {
+    const bool objectsParsed = parseStructureObjects();
+    return parseOverwriteLabel() && objectsParsed;
+}
+
 bool TOV_DMInfoJsonParser::parseStructureObjects() {
     if (structure == nullptr) {
         return false;
