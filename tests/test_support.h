@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
@@ -66,6 +68,34 @@ public:
     ~TempFile() { std::remove(path.c_str()); }
 
     std::string path;
+};
+
+// A fresh folder of its own under /tmp, removed with everything in it. mkdtemp,
+// because tests run in parallel processes; an empty path means it failed.
+class TempFolder {
+public:
+    TempFolder() {
+        char name[] = "/tmp/tov_test_XXXXXX";
+        if (mkdtemp(name) != nullptr) {
+            path_ = name;
+        }
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    ~TempFolder() {
+        if (!path_.empty()) {
+            std::error_code ignored;
+            std::filesystem::remove_all(path_, ignored);
+        }
+    }
+
+    const std::string& path() const { return path_; }
+    // The folder as a logger should get it so that its files land inside: the
+    // logger adds a back-slash, which this platform takes as part of the name.
+    std::string asLoggingFolder() const { return path_ + "/"; }
+
+private:
+    std::string path_;
 };
 
 }  // namespace tovtest

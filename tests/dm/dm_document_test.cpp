@@ -3,11 +3,9 @@
 // log of a successful load.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "test_support.h"
@@ -115,24 +113,14 @@ protected:
 // A scratch folder of its own, removed afterwards.
 class DMDocumentFileTest : public DMDocumentTest {
 protected:
-    // mkdtemp, because tests run in parallel processes whose fixtures can sit
-    // at the same address.
-    void SetUp() override {
-        char pattern[] = "/tmp/tov_dm_document_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        folder = pattern;
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
-    }
+    void SetUp() override { ASSERT_FALSE(folder.path().empty()); }
     std::string write(const std::string& name, const std::string& content) {
-        const fs::path path = folder / name;
+        const fs::path path = fs::path(folder.path()) / name;
         std::ofstream(path, std::ios::binary) << content;
         return path.string();
     }
 
-    fs::path folder;
+    const tovtest::TempFolder folder;
 };
 
 // ---------------------------------------------------------------- success
@@ -684,14 +672,14 @@ TEST_F(DMDocumentFileTest, FaultsInAFileAreReportedAsInText) {
 
 TEST_F(DMDocumentFileTest, MissingFileIsAFundamentalError) {
     loadValidDocument();
-    EXPECT_EQ(loadFromFile((folder / "absent.json").string()),
+    EXPECT_EQ(loadFromFile(folder.path() + "/absent.json"),
               failure("Json has fundamental parsing error"));
     expectEmptyStructure();
 }
 
 TEST_F(DMDocumentFileTest, DirectoryIsAFundamentalError) {
     loadValidDocument();
-    EXPECT_EQ(loadFromFile(folder.string()), failure("Json has fundamental parsing error"));
+    EXPECT_EQ(loadFromFile(folder.path()), failure("Json has fundamental parsing error"));
     expectEmptyStructure();
 }
 

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -14,10 +13,10 @@
 #include <regex>
 #include <sstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "frame/input_labels.h"
+#include "test_support.h"
 #include "tov/TOVActionController.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVFunctionality.h"
@@ -217,16 +216,10 @@ Lines splitLines(const std::string& text) {
 class EntryPointsFileLogTest : public ::testing::TestWithParam<RequestFunctionCase> {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/tov_entry_points_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        folder = std::string(pattern) + "/";
+        ASSERT_FALSE(scratch.path().empty());
+        folder = scratch.asLoggingFolder();
         coreData.initializeByMalloc();
         logFile = setTOVLoggingFolder(folder, &coreData);
-    }
-
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
     }
 
     // The whole log, with each timestamp replaced by kStamp. The folder must
@@ -257,6 +250,7 @@ protected:
         return lines;
     }
 
+    const tovtest::TempFolder scratch;
     std::string folder;
     std::string logFile;
     TOVCoreDataControllers coreData;
@@ -400,9 +394,9 @@ TEST(EntryPointsVersionTest, IsOnePointOneWithoutAnyCoreData) {
 }
 
 TEST(EntryPointsLogFileTest, LogLandsInTheFolderUnderABackSlashedTimedName) {
-    char pattern[] = "/tmp/tov_entry_points_XXXXXX";
-    ASSERT_NE(mkdtemp(pattern), nullptr);
-    const std::string folder = std::string(pattern) + "/";
+    const tovtest::TempFolder scratch;
+    ASSERT_FALSE(scratch.path().empty());
+    const std::string folder = scratch.asLoggingFolder();
 
     TOVCoreDataControllers coreData;
     coreData.initializeByMalloc();
@@ -415,9 +409,6 @@ TEST(EntryPointsLogFileTest, LogLandsInTheFolderUnderABackSlashedTimedName) {
     for (const auto& entry : fs::directory_iterator(folder)) {
         names.push_back(entry.path().filename().string());
     }
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
-
     ASSERT_EQ(names.size(), 1u);
     std::smatch match;
     ASSERT_TRUE(std::regex_match(names[0], match, std::regex(R"(^\\TOV_Log_(\d+)\.txt$)")))

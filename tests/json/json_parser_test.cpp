@@ -1,10 +1,6 @@
 // Tests of the base of all input parsers: loading, member access, extraction,
 // and the wording of every error message.
-#include <unistd.h>
-
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -485,13 +481,9 @@ TEST(JsonParserLoadFile, MissingPathFails) {
 }
 
 TEST(JsonParserLoadFile, DirectoryFails) {
-    const std::filesystem::path directory =
-        std::filesystem::temp_directory_path() /
-        ("tov_json_parser_" + std::to_string(::getpid()) + "_directory");
-    std::filesystem::create_directory(directory);
-    expectFundamentalFailureFromFile(directory.string());
-    std::error_code ignored;
-    std::filesystem::remove(directory, ignored);
+    const tovtest::TempFolder directory;
+    ASSERT_FALSE(directory.path().empty());
+    expectFundamentalFailureFromFile(directory.path());
 }
 
 TEST(JsonParserLoadFile, EmptyFileFails) {
