@@ -12,6 +12,7 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tov/tov.h"
 
@@ -49,6 +50,25 @@ inline std::string captureConsole(TOVLogger* logger, const std::function<void()>
 // The single-string form of a response, the way tests compare whole answers.
 inline std::string asText(const TOVResponse& response) {
     return response.turnResponseIntoASingleString();
+}
+
+// Lines as the console logger prints them, each ended by a line feed.
+inline std::string asConsoleLines(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    return text;
+}
+
+// The names of data-model objects or attributes, in list order.
+template <typename Named>
+std::vector<std::string> namesOf(const std::vector<Named>& items) {
+    std::vector<std::string> names;
+    for (const Named& item : items) {
+        names.push_back(item.getName());
+    }
+    return names;
 }
 
 // A temporary file with the given contents that removes itself.

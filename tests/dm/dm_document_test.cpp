@@ -22,6 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
+using tovtest::asConsoleLines;
+using tovtest::namesOf;
 
 const char* const kSuccess =
     R"({"Result":"Success","ResultComment":"Succesfully initialized DM info"})";
@@ -62,30 +64,6 @@ const char* const kValidDocument = R"({
       {"name": "Note", "type": "FILE", "primary": false}]}
   ]
 })";
-
-Names namesOf(const std::vector<TOV_DMAttribute>& attributes) {
-    Names names;
-    for (const TOV_DMAttribute& attribute : attributes) {
-        names.push_back(attribute.getName());
-    }
-    return names;
-}
-
-Names namesOf(const std::vector<TOV_DMStructureObject>& objects) {
-    Names names;
-    for (const TOV_DMStructureObject& object : objects) {
-        names.push_back(object.getName());
-    }
-    return names;
-}
-
-std::string asConsoleLines(const Names& lines) {
-    std::string text;
-    for (const std::string& line : lines) {
-        text += line + "\n";
-    }
-    return text;
-}
 
 class DMDocumentTest : public ::testing::Test {
 protected:

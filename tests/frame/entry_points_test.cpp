@@ -164,14 +164,6 @@ Lines asFileLines(const Lines& messages) {
     return lines;
 }
 
-std::string asConsoleText(const Lines& messages) {
-    std::string text;
-    for (const std::string& message : messages) {
-        text += message + "\n";
-    }
-    return text;
-}
-
 void expectDefaultResponse(const TOVResponse& response) {
     EXPECT_FALSE(response.getGeneralResult());
     EXPECT_EQ(response.getGeneralResultComment(), "");
@@ -350,7 +342,7 @@ TEST_P(EntryPointsConsoleLogTest, GivesTheSameLinesWithoutTimestamps) {
     const std::string printed = callCapturingStdout(input, response);
 
     if (!factoryHasControllerFor(request.functionality)) {
-        EXPECT_EQ(printed, asConsoleText(messagesWithoutController(request, input)));
+        EXPECT_EQ(printed, tovtest::asConsoleLines(messagesWithoutController(request, input)));
         expectDefaultResponse(response);
     } else {
         const Lines head =
@@ -367,7 +359,7 @@ TEST_P(EntryPointsConsoleLogTest, EmptyInputFails) {
 
     if (!factoryHasControllerFor(request.functionality)) {
         expectDefaultResponse(response);
-        EXPECT_EQ(printed, asConsoleText(messagesWithoutController(request, "")));
+        EXPECT_EQ(printed, tovtest::asConsoleLines(messagesWithoutController(request, "")));
     } else {
         expectInsufficientResponse(response);
     }
