@@ -7,9 +7,12 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tov/tov.h"
 
@@ -49,6 +52,25 @@ inline std::string asText(const TOVResponse& response) {
     return response.turnResponseIntoASingleString();
 }
 
+// Lines as the console logger prints them, each ended by a line feed.
+inline std::string asConsoleLines(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    return text;
+}
+
+// The names of data-model objects or attributes, in list order.
+template <typename Named>
+std::vector<std::string> namesOf(const std::vector<Named>& items) {
+    std::vector<std::string> names;
+    for (const Named& item : items) {
+        names.push_back(item.getName());
+    }
+    return names;
+}
+
 // A temporary file with the given contents that removes itself.
 class TempFile {
 public:
@@ -66,6 +88,34 @@ public:
     ~TempFile() { std::remove(path.c_str()); }
 
     std::string path;
+};
+
+// A fresh folder of its own under /tmp, removed with everything in it. mkdtemp,
+// because tests run in parallel processes; an empty path means it failed.
+class TempFolder {
+public:
+    TempFolder() {
+        char name[] = "/tmp/tov_test_XXXXXX";
+        if (mkdtemp(name) != nullptr) {
+            path_ = name;
+        }
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    ~TempFolder() {
+        if (!path_.empty()) {
+            std::error_code ignored;
+            std::filesystem::remove_all(path_, ignored);
+        }
+    }
+
+    const std::string& path() const { return path_; }
+    // The folder as a logger should get it so that its files land inside: the
+    // logger adds a back-slash, which this platform takes as part of the name.
+    std::string asLoggingFolder() const { return path_ + "/"; }
+
+private:
+    std::string path_;
 };
 
 }  // namespace tovtest

@@ -2,6 +2,7 @@
 
 #include "dm/TOV_DMInfoJsonParsers.h"
 #include "frame/input_labels.h"
+#include "frame/request_parsing.h"
 #include "tov/TOV_DMStructure.h"
 
 TOV_DMInfoInitializerController::TOV_DMInfoInitializerController(
@@ -30,19 +31,11 @@ bool TOV_DMInfoInitializerController::parseInputData(TOVResponse& response) {
     getInputStringWithThisLabel(getInputDataLabelIdentifierForAllDMInfo(), input);
 
     TOV_DMInfoJsonParser parser(getLifecycleDMInfo());
-    const bool loaded = parser.load(input, isInputAJsonFilePath());
-    if (loaded) {
-        // The label is read even when the list failed, so one answer tells both.
-        parser.parseStructureObjects();
-        parser.parseOverwriteLabel();
-    }
-    if (parser.getParsingResult()) {
+    if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
         return true;
     }
     // Objects read before the error go too: a load is all or nothing.
     getLifecycleDMInfo()->clearAllInfo();
-    response.setGeneralResult(false);
-    response.setGeneralResultComment(parser.getParsingErrorComment().c_str());
     return false;
 }
 

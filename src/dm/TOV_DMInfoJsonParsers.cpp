@@ -26,6 +26,11 @@ bool TOV_DMInfoJsonParser::load(const std::string& input, bool inputIsFilePath) 
     return fillJsonDocumentFromInput(input, inputIsFilePath, document);
 }
 
+bool TOV_DMInfoJsonParser::parseAllSections() {
+    const bool objectsParsed = parseStructureObjects();
+    return parseOverwriteLabel() && objectsParsed;
+}
+
 bool TOV_DMInfoJsonParser::parseStructureObjects() {
     if (structure == nullptr) {
         return false;
@@ -91,14 +96,15 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
     std::string categoryWord;
     std::vector<TOV_DMAttribute> attributes;
     for (const auto& member : element.GetObject()) {
-        if (getMemberName(member.name) == kName) {
+        const std::string keyword = getMemberName(member.name);
+        if (keyword == kName) {
             if (!collectStringFromValue(member.value, name)) {
                 setAttributeValueStringParsingError(indexText, kName);
                 setParsingResult(false);
                 return false;
             }
             objectName = name;
-        } else if (getMemberName(member.name) == kDMObjectType) {
+        } else if (keyword == kDMObjectType) {
             if (!collectStringFromValue(member.value, categoryWord)) {
                 // Once a name is known the rule name tells the object.
                 setAttributeValueStringParsingError(name.empty() ? indexText : std::string(),
@@ -106,7 +112,7 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
                 setParsingResult(false);
                 return false;
             }
-        } else if (getMemberName(member.name) == kAttributes) {
+        } else if (keyword == kAttributes) {
             if (!parseAttributes(member.value, name, attributes)) {
                 return false;
             }
@@ -173,22 +179,15 @@ bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
     bool primary = false;
     bool primarySeen = false;
     for (const auto& member : element.GetObject()) {
-        const char* stringKeyword = nullptr;
-        std::string* target = nullptr;
-        if (getMemberName(member.name) == kName) {
-            stringKeyword = kName;
-            target = &name;
-        } else if (getMemberName(member.name) == kType) {
-            stringKeyword = kType;
-            target = &typeWord;
-        }
-        if (target != nullptr) {
-            if (!collectStringFromValue(member.value, *target)) {
-                setAttributeValueStringParsingError(objectName, stringKeyword);
+        const std::string keyword = getMemberName(member.name);
+        if (keyword == kName || keyword == kType) {
+            std::string& target = keyword == kName ? name : typeWord;
+            if (!collectStringFromValue(member.value, target)) {
+                setAttributeValueStringParsingError(objectName, keyword);
                 setParsingResult(false);
                 return false;
             }
-        } else if (getMemberName(member.name) == kPrimary) {
+        } else if (keyword == kPrimary) {
             primarySeen = true;
             if (!collectBoolFromValue(member.value, primary)) {
                 setAttributeValueBoolParsingError(objectName, kPrimary);

@@ -19,6 +19,9 @@ public:
 
     // Loads the document from the path of a file or from JSON text.
     bool load(const std::string& input, bool inputIsFilePath);
+    // Both root members, the label even when the list failed, so that one
+    // answer tells both.
+    bool parseAllSections();
     bool parseStructureObjects();
     bool parseOverwriteLabel();
 

@@ -45,8 +45,9 @@ bool TOVActionController::getInputStringWithThisLabel(const std::string& label, 
 }
 
 bool TOVActionController::hasNonEmptyInputWithThisLabel(const std::string& label) {
-    std::string input;
-    return getInputStringWithThisLabel(label, input) && !input.empty();
+    // Looked at in place: the input may be a whole document, not worth a copy.
+    const auto found = inputData.find(label);
+    return found != inputData.end() && !found->second.empty();
 }
 
 bool TOVActionController::isInputAJsonFilePath() {

@@ -3,11 +3,9 @@
 // log of a successful load.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "test_support.h"
@@ -24,6 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;
+using tovtest::asConsoleLines;
+using tovtest::namesOf;
 
 const char* const kSuccess =
     R"({"Result":"Success","ResultComment":"Succesfully initialized DM info"})";
@@ -65,30 +65,6 @@ const char* const kValidDocument = R"({
   ]
 })";
 
-Names namesOf(const std::vector<TOV_DMAttribute>& attributes) {
-    Names names;
-    for (const TOV_DMAttribute& attribute : attributes) {
-        names.push_back(attribute.getName());
-    }
-    return names;
-}
-
-Names namesOf(const std::vector<TOV_DMStructureObject>& objects) {
-    Names names;
-    for (const TOV_DMStructureObject& object : objects) {
-        names.push_back(object.getName());
-    }
-    return names;
-}
-
-std::string asConsoleLines(const Names& lines) {
-    std::string text;
-    for (const std::string& line : lines) {
-        text += line + "\n";
-    }
-    return text;
-}
-
 class DMDocumentTest : public ::testing::Test {
 protected:
     std::string load(const std::string& document) {
@@ -115,24 +91,14 @@ protected:
 // A scratch folder of its own, removed afterwards.
 class DMDocumentFileTest : public DMDocumentTest {
 protected:
-    // mkdtemp, because tests run in parallel processes whose fixtures can sit
-    // at the same address.
-    void SetUp() override {
-        char pattern[] = "/tmp/tov_dm_document_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        folder = pattern;
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
-    }
+    void SetUp() override { ASSERT_FALSE(folder.path().empty()); }
     std::string write(const std::string& name, const std::string& content) {
-        const fs::path path = folder / name;
+        const fs::path path = fs::path(folder.path()) / name;
         std::ofstream(path, std::ios::binary) << content;
         return path.string();
     }
 
-    fs::path folder;
+    const tovtest::TempFolder folder;
 };
 
 // ---------------------------------------------------------------- success
@@ -684,14 +650,14 @@ TEST_F(DMDocumentFileTest, FaultsInAFileAreReportedAsInText) {
 
 TEST_F(DMDocumentFileTest, MissingFileIsAFundamentalError) {
     loadValidDocument();
-    EXPECT_EQ(loadFromFile((folder / "absent.json").string()),
+    EXPECT_EQ(loadFromFile(folder.path() + "/absent.json"),
               failure("Json has fundamental parsing error"));
     expectEmptyStructure();
 }
 
 TEST_F(DMDocumentFileTest, DirectoryIsAFundamentalError) {
     loadValidDocument();
-    EXPECT_EQ(loadFromFile(folder.string()), failure("Json has fundamental parsing error"));
+    EXPECT_EQ(loadFromFile(folder.path()), failure("Json has fundamental parsing error"));
     expectEmptyStructure();
 }
 

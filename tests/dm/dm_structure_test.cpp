@@ -17,31 +17,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 using NameSet = std::set<std::string>;
-
-// Joins lines the way the console logger prints them, one line feed each.
-std::string asConsoleLines(const Names& lines) {
-    std::string text;
-    for (const std::string& line : lines) {
-        text += line + "\n";
-    }
-    return text;
-}
-
-Names namesOf(const std::vector<TOV_DMAttribute>& attributes) {
-    Names names;
-    for (const TOV_DMAttribute& attribute : attributes) {
-        names.push_back(attribute.getName());
-    }
-    return names;
-}
-
-Names namesOf(const std::vector<TOV_DMStructureObject>& objects) {
-    Names names;
-    for (const TOV_DMStructureObject& object : objects) {
-        names.push_back(object.getName());
-    }
-    return names;
-}
+using tovtest::asConsoleLines;
+using tovtest::namesOf;
 
 // An object type with primaries of all three categories and secondaries of
 // all three categories, listed out of order.

@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <filesystem>
 #include <regex>
 #include <string>
 
+#include "test_support.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOVTrigger.h"
@@ -28,6 +26,8 @@
 #endif
 
 namespace {
+
+using tovtest::TempFolder;
 
 // Only AddressSanitizer can tell whether a block was freed: it poisons freed memory
 // and holds it back from reuse for a while. Without it the checks are skipped.
@@ -52,27 +52,6 @@ std::string captureWhatIsLogged(TOVLogger* logger, const char* message, bool* pr
     std::fflush(stdout);
     return testing::internal::GetCapturedStdout();
 }
-
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        char pattern[] = "/tmp/tov_core_data_XXXXXX";
-        const char* made = mkdtemp(pattern);
-        if (made != nullptr) {
-            path_ = made;
-        }
-    }
-    ~TemporaryFolder() {
-        if (!path_.empty()) {
-            std::error_code ignored;
-            std::filesystem::remove_all(path_, ignored);
-        }
-    }
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
 
 class MainInstancesRestorer {
 public:
@@ -143,7 +122,7 @@ TEST(CoreData, InitializeFromStaticsSharesTheMainInstances) {
 TEST(CoreData, ClearingStaticsDeletesNothingAndKeepsTheirContents) {
     // Other suites share the main instances: give them back as they were afterwards.
     const MainInstancesRestorer restorer;
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
 
     TOVCoreDataControllers coreData;
@@ -152,7 +131,7 @@ TEST(CoreData, ClearingStaticsDeletesNothingAndKeepsTheirContents) {
     coreData.getRules()->appendNewTriggerRule(TOVTrigger());
     coreData.getDmInfo()->clearAllInfo();
     coreData.getDmInfo()->appendDMStructureObject(TOV_DMStructureObject("Part"));
-    const std::string file = setTOVLoggingFolder(folder.path() + "/", &coreData);
+    const std::string file = setTOVLoggingFolder(folder.asLoggingFolder(), &coreData);
 
     coreData.clearContents();
     EXPECT_EQ(coreData.getRules(), nullptr);
@@ -385,11 +364,11 @@ TEST(CoreData, LoggingFolderKeywordInCapitalsSwitchesToTheConsole) {
 }
 
 TEST(CoreData, LoggingFolderNamesTheNewLogFile) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVCoreDataControllers coreData;
     coreData.initializeByMalloc();
-    const std::string file = setTOVLoggingFolder(folder.path() + "/", &coreData);
+    const std::string file = setTOVLoggingFolder(folder.asLoggingFolder(), &coreData);
     EXPECT_EQ(file, coreData.getLogger()->getFile());
     const std::string prefix = folder.path() + "/\\TOV_Log_";
     ASSERT_EQ(file.compare(0, prefix.size(), prefix), 0) << file;

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -16,37 +14,12 @@
 #include <string>
 #include <vector>
 
+#include "test_support.h"
+
 namespace {
 
 namespace fs = std::filesystem;
-
-// A fresh folder under /tmp for one test, removed with everything in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        char pattern[] = "/tmp/tov_logger_XXXXXX";
-        const char* made = mkdtemp(pattern);
-        if (made != nullptr) {
-            path_ = made;
-        }
-    }
-    ~TemporaryFolder() {
-        if (!path_.empty()) {
-            std::error_code ignored;
-            fs::remove_all(path_, ignored);
-        }
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::string& path() const { return path_; }
-    // The folder as a logger should get it so that its files land inside: the
-    // logger adds a back-slash, which this platform takes as part of the name.
-    std::string asLoggingFolder() const { return path_ + "/"; }
-
-private:
-    std::string path_;
-};
+using tovtest::TempFolder;
 
 std::int32_t nowInSeconds() {
     return static_cast<std::int32_t>(std::time(nullptr));
@@ -162,7 +135,7 @@ TEST(Logger, FolderEndingInAForwardSlashGetsABackSlashBehindIt) {
 }
 
 TEST(Logger, NamingAFolderCreatesNothingOnDisk) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -174,7 +147,7 @@ TEST(Logger, NamingAFolderCreatesNothingOnDisk) {
 // Choosing the destination
 
 TEST(Logger, EmptyOutputLogsNowhereAndReturnsTheCurrentFile) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     const std::string file = logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -218,7 +191,7 @@ TEST(Logger, WordsLikeTheKeywordAreFolders) {
 }
 
 TEST(Logger, FolderAfterConsoleLogsToAFileAgain) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToConsole);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -274,7 +247,7 @@ TEST(Logger, ConsoleWritesTheMessageAsItIs) {
 // The file
 
 TEST(Logger, FileLineIsTimestampThenMessage) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -293,7 +266,7 @@ TEST(Logger, FileLineIsTimestampThenMessage) {
 }
 
 TEST(Logger, FileMessageEndingInALineFeedGetsASecondOne) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -305,7 +278,7 @@ TEST(Logger, FileMessageEndingInALineFeedGetsASecondOne) {
 }
 
 TEST(Logger, FileMessageBeginningWithALineFeedLeavesTheTimestampAlone) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -324,7 +297,7 @@ TEST(Logger, FileMessageBeginningWithALineFeedLeavesTheTimestampAlone) {
 }
 
 TEST(Logger, FileMessagesAreAppendedInOrder) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -346,7 +319,7 @@ TEST(Logger, FileMessagesAreAppendedInOrder) {
 }
 
 TEST(Logger, FileKeepsWhatItHeldBefore) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     const std::string file = logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -361,7 +334,7 @@ TEST(Logger, FileKeepsWhatItHeldBefore) {
 }
 
 TEST(Logger, FileWritesTheMessageAsItIs) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.asLoggingFolder());
@@ -370,7 +343,7 @@ TEST(Logger, FileWritesTheMessageAsItIs) {
 }
 
 TEST(Logger, MissingFolderMakesPrintingFailQuietly) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger logger(LogToFile);
     logger.setTOVLoggingOutput(folder.path() + "/missing/");
@@ -381,7 +354,7 @@ TEST(Logger, MissingFolderMakesPrintingFailQuietly) {
 }
 
 TEST(Logger, NewFolderStartsANewFileAndTheOldOneStays) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     ASSERT_TRUE(fs::create_directory(folder.path() + "/a"));
     ASSERT_TRUE(fs::create_directory(folder.path() + "/b"));
@@ -397,7 +370,7 @@ TEST(Logger, NewFolderStartsANewFileAndTheOldOneStays) {
 }
 
 TEST(Logger, CopyWritesWhereTheOriginalWrites) {
-    TemporaryFolder folder;
+    const TempFolder folder;
     ASSERT_FALSE(folder.path().empty());
     TOVLogger original(LogToFile);
     original.setTOVLoggingOutput(folder.asLoggingFolder());

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -14,10 +13,10 @@
 #include <regex>
 #include <sstream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "frame/input_labels.h"
+#include "test_support.h"
 #include "tov/TOVActionController.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVFunctionality.h"
@@ -165,14 +164,6 @@ Lines asFileLines(const Lines& messages) {
     return lines;
 }
 
-std::string asConsoleText(const Lines& messages) {
-    std::string text;
-    for (const std::string& message : messages) {
-        text += message + "\n";
-    }
-    return text;
-}
-
 void expectDefaultResponse(const TOVResponse& response) {
     EXPECT_FALSE(response.getGeneralResult());
     EXPECT_EQ(response.getGeneralResultComment(), "");
@@ -217,16 +208,10 @@ Lines splitLines(const std::string& text) {
 class EntryPointsFileLogTest : public ::testing::TestWithParam<RequestFunctionCase> {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/tov_entry_points_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        folder = std::string(pattern) + "/";
+        ASSERT_FALSE(scratch.path().empty());
+        folder = scratch.asLoggingFolder();
         coreData.initializeByMalloc();
         logFile = setTOVLoggingFolder(folder, &coreData);
-    }
-
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
     }
 
     // The whole log, with each timestamp replaced by kStamp. The folder must
@@ -257,6 +242,7 @@ protected:
         return lines;
     }
 
+    const tovtest::TempFolder scratch;
     std::string folder;
     std::string logFile;
     TOVCoreDataControllers coreData;
@@ -356,7 +342,7 @@ TEST_P(EntryPointsConsoleLogTest, GivesTheSameLinesWithoutTimestamps) {
     const std::string printed = callCapturingStdout(input, response);
 
     if (!factoryHasControllerFor(request.functionality)) {
-        EXPECT_EQ(printed, asConsoleText(messagesWithoutController(request, input)));
+        EXPECT_EQ(printed, tovtest::asConsoleLines(messagesWithoutController(request, input)));
         expectDefaultResponse(response);
     } else {
         const Lines head =
@@ -373,7 +359,7 @@ TEST_P(EntryPointsConsoleLogTest, EmptyInputFails) {
 
     if (!factoryHasControllerFor(request.functionality)) {
         expectDefaultResponse(response);
-        EXPECT_EQ(printed, asConsoleText(messagesWithoutController(request, "")));
+        EXPECT_EQ(printed, tovtest::asConsoleLines(messagesWithoutController(request, "")));
     } else {
         expectInsufficientResponse(response);
     }
@@ -400,9 +386,9 @@ TEST(EntryPointsVersionTest, IsOnePointOneWithoutAnyCoreData) {
 }
 
 TEST(EntryPointsLogFileTest, LogLandsInTheFolderUnderABackSlashedTimedName) {
-    char pattern[] = "/tmp/tov_entry_points_XXXXXX";
-    ASSERT_NE(mkdtemp(pattern), nullptr);
-    const std::string folder = std::string(pattern) + "/";
+    const tovtest::TempFolder scratch;
+    ASSERT_FALSE(scratch.path().empty());
+    const std::string folder = scratch.asLoggingFolder();
 
     TOVCoreDataControllers coreData;
     coreData.initializeByMalloc();
@@ -415,9 +401,6 @@ TEST(EntryPointsLogFileTest, LogLandsInTheFolderUnderABackSlashedTimedName) {
     for (const auto& entry : fs::directory_iterator(folder)) {
         names.push_back(entry.path().filename().string());
     }
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
-
     ASSERT_EQ(names.size(), 1u);
     std::smatch match;
     ASSERT_TRUE(std::regex_match(names[0], match, std::regex(R"(^\\TOV_Log_(\d+)\.txt$)")))

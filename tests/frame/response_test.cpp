@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "test_support.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOVResponse.h"
 #include "tov/vocabulary.h"
@@ -27,11 +28,7 @@ std::string commentUnder(const TOVResponse& response, const std::string& keyword
 template <typename Print>
 std::string captureConsole(Print print) {
     TOVLogger logger(LogNowhere);
-    logger.setTOVLoggingOutput("console");
-    testing::internal::CaptureStdout();
-    print(&logger);
-    std::fflush(stdout);
-    return testing::internal::GetCapturedStdout();
+    return tovtest::captureConsole(&logger, [&] { print(&logger); });
 }
 
 }  // namespace

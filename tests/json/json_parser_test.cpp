@@ -1,10 +1,6 @@
 // Tests of the base of all input parsers: loading, member access, extraction,
 // and the wording of every error message.
-#include <unistd.h>
-
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,8 +9,11 @@
 #include <rapidjson/document.h>
 
 #include "json/TOVJsonParser.h"
+#include "test_support.h"
 
 namespace {
+
+using tovtest::TempFile;
 
 const char* const kFundamental = "Json has fundamental parsing error";
 
@@ -77,28 +76,6 @@ rapidjson::Document parseOrDie(const char* text) {
     EXPECT_FALSE(document.HasParseError()) << text;
     return document;
 }
-
-// A file in the test's temporary folder, removed again when the test ends.
-class TemporaryFile {
-public:
-    TemporaryFile(const std::string& name, const std::string& contents)
-        : path(std::filesystem::temp_directory_path() /
-               ("tov_json_parser_" + std::to_string(::getpid()) + "_" + name)) {
-        std::ofstream stream(path, std::ios::out | std::ios::binary | std::ios::trunc);
-        stream.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-    }
-    ~TemporaryFile() {
-        std::error_code ignored;
-        std::filesystem::remove(path, ignored);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    std::string getPath() const { return path.string(); }
-
-private:
-    std::filesystem::path path;
-};
 
 void expectFundamentalFailureFromText(const std::string& text) {
     ExposedParser parser;
@@ -487,10 +464,10 @@ TEST(JsonParserLoadText, SuccessAfterFailureKeepsTheFalseResult) {
 // --- Loading from a file ---
 
 TEST(JsonParserLoadFile, ObjectFileLoads) {
-    const TemporaryFile file("object.json", "{\n  \"a\": \"b\",\n  \"list\": [\"x\"]\n}\n");
+    const TempFile file("{\n  \"a\": \"b\",\n  \"list\": [\"x\"]\n}\n");
     ExposedParser parser;
     rapidjson::Document document;
-    ASSERT_TRUE(parser.fillJsonDocumentFromJsonFile(file.getPath(), document));
+    ASSERT_TRUE(parser.fillJsonDocumentFromJsonFile(file.path, document));
     EXPECT_TRUE(parser.getParsingResult());
     EXPECT_EQ(parser.getParsingErrorComment(), "");
     EXPECT_STREQ(document["a"].GetString(), "b");
@@ -504,39 +481,35 @@ TEST(JsonParserLoadFile, MissingPathFails) {
 }
 
 TEST(JsonParserLoadFile, DirectoryFails) {
-    const std::filesystem::path directory =
-        std::filesystem::temp_directory_path() /
-        ("tov_json_parser_" + std::to_string(::getpid()) + "_directory");
-    std::filesystem::create_directory(directory);
-    expectFundamentalFailureFromFile(directory.string());
-    std::error_code ignored;
-    std::filesystem::remove(directory, ignored);
+    const tovtest::TempFolder directory;
+    ASSERT_FALSE(directory.path().empty());
+    expectFundamentalFailureFromFile(directory.path());
 }
 
 TEST(JsonParserLoadFile, EmptyFileFails) {
-    const TemporaryFile file("empty.json", "");
-    expectFundamentalFailureFromFile(file.getPath());
+    const TempFile file("");
+    expectFundamentalFailureFromFile(file.path);
 }
 
 TEST(JsonParserLoadFile, ByteOrderMarkCountsAsBadSyntax) {
-    const TemporaryFile withMark("bom.json", "\xEF\xBB\xBF{\"a\":\"b\"}");
-    expectFundamentalFailureFromFile(withMark.getPath());
+    const TempFile withMark("\xEF\xBB\xBF{\"a\":\"b\"}");
+    expectFundamentalFailureFromFile(withMark.path);
 
-    const TemporaryFile withoutMark("nobom.json", "{\"a\":\"b\"}");
+    const TempFile withoutMark("{\"a\":\"b\"}");
     ExposedParser parser;
     rapidjson::Document document;
-    EXPECT_TRUE(parser.fillJsonDocumentFromJsonFile(withoutMark.getPath(), document));
+    EXPECT_TRUE(parser.fillJsonDocumentFromJsonFile(withoutMark.path, document));
 }
 
 TEST(JsonParserLoadFile, NonObjectRootsAndTrailingTextFail) {
-    const TemporaryFile array("array.json", "[{\"a\":\"b\"}]");
-    expectFundamentalFailureFromFile(array.getPath());
-    const TemporaryFile text("string.json", "\"text\"");
-    expectFundamentalFailureFromFile(text.getPath());
-    const TemporaryFile number("number.json", "7");
-    expectFundamentalFailureFromFile(number.getPath());
-    const TemporaryFile trailing("trailing.json", "{\"a\":\"b\"} {}");
-    expectFundamentalFailureFromFile(trailing.getPath());
+    const TempFile array("[{\"a\":\"b\"}]");
+    expectFundamentalFailureFromFile(array.path);
+    const TempFile text("\"text\"");
+    expectFundamentalFailureFromFile(text.path);
+    const TempFile number("7");
+    expectFundamentalFailureFromFile(number.path);
+    const TempFile trailing("{\"a\":\"b\"} {}");
+    expectFundamentalFailureFromFile(trailing.path);
 }
 
 TEST(JsonParserLoadFile, FailureReplacesEarlierComment) {
