@@ -141,7 +141,7 @@ bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectio
         return true;
     }
     for (auto& member : section.GetObject()) {
-        std::string objectType = member.name.GetString();
+        std::string objectType = getMemberName(member.name);
         if (!member.value.IsArray()) {
             setObjectRulesNotAListError(objectType);
             setParsingResult(false);

@@ -181,6 +181,18 @@ TEST(RulesDocument, MembersNamingOneTypeBothAddTheirRules) {
     EXPECT_EQ(transitionsFor(core, "Part", "Status"), 2u);
 }
 
+TEST(RulesDocument, AnObjectTypeWithAZeroByteKeepsItsWholeName) {
+    PrivateCore core;
+    const std::string document = R"({"transitions":{
+        "Pa\u0000rt":[{"attribute":"Status","fromValue":"A","toValue":["B"]}]}})";
+    ASSERT_EQ(asText(InitializeTOVRules(document, core.get())), kLoaded);
+    const auto words = core.rules()->expressRulesInWords();
+    ASSERT_EQ(words.size(), 1u);
+    EXPECT_EQ(words[0].second,
+              std::string("For Pa\0rt: Status can transition from \"A\" to \"B\"", 48));
+    EXPECT_EQ(transitionsFor(core, "Pa", "Status"), 0u);
+}
+
 TEST(RulesDocument, SuccessLogsTheWholeStoreAndTheResponse) {
     PrivateCore core;
     const std::string printed =
