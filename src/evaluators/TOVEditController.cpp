@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "evaluators/TOVTransitionJsonParsers.h"
+#include "evaluators/rule_refusal.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
 #include "tov/TOVConflictResolution.h"
@@ -313,19 +314,6 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
     updateResponseOnSuccess(response);
     return true;
 }
-
-namespace {
-
-// Composes the refusal of a rule check: the prefix, then the rule in words.
-template <typename Rule>
-void refuseForRule(const char* prefix, const Rule& rule, TOVResponse& response) {
-    response.setGeneralResult(false);
-    std::string comment = prefix;
-    rule.expressRuleInWords(comment);
-    response.appendToGeneralResultComment(comment.c_str());
-}
-
-}  // namespace
 
 bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response) {
     TOVTransitionFreeze violated;

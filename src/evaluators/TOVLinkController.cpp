@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "evaluators/TOVLinkCreationParser.h"
+#include "evaluators/rule_refusal.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
 #include "tov/TOVLifecycleBusinessRules.h"
@@ -83,10 +84,8 @@ bool TOVLinkController::foundManualLinkRuleViolation(TOVResponse& response) {
     if (!getFirstManualLinkRuleViolation(violated)) {
         return false;
     }
-    response.setGeneralResult(false);
-    std::string words;
-    violated.expressRuleInWords(words);
-    response.appendToGeneralResultComment(words.c_str());
+    // Unlike an edit, the refusal has no opening: the rule's words alone.
+    refuseForRule("", violated, response);
     return true;
 }
 
