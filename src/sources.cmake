@@ -1,24 +1,19 @@
-# Every source file of the library, by subsystem.
+# Every source file of the library, by folder, lowest layer first.
 set(TOV_SOURCES
-  # Request frame
-  frame/entry_points.cpp
-  frame/factory.cpp
-  frame/TOVActionController.cpp
-  frame/TOVFrontdesk.cpp
-  frame/TOVResponse.cpp
-  frame/TOVResponseJsonParser.cpp
-  frame/TOVTransactionController.cpp
-  frame/TOVVemoFrontdesk.cpp
   # Foundation
   foundation/attribute_packets.cpp
   foundation/clock.cpp
   foundation/string_helpers.cpp
-  foundation/TOVCoreDataControllers.cpp
   foundation/TOVLogger.cpp
   foundation/vocabulary.cpp
   # JSON layer
   json/TOVJsonComposer.cpp
   json/TOVJsonParser.cpp
+  # Data-model information
+  dm/TOV_DMAttribute.cpp
+  dm/TOV_DMInfoJsonParsers.cpp
+  dm/TOV_DMStructure.cpp
+  dm/TOV_DMStructureObject.cpp
   # Rules
   rules/TOVConflictResolution.cpp
   rules/TOVConflictResolutionRulesJsonParser.cpp
@@ -26,7 +21,6 @@ set(TOV_SOURCES
   rules/TOVFileConstraintsRulesJsonParser.cpp
   rules/TOVHistoryLink.cpp
   rules/TOVInitializationJsonParser.cpp
-  rules/TOVInitializerController.cpp
   rules/TOVLifecycleBusinessRules.cpp
   rules/TOVLinkRulesJsonParsers.cpp
   rules/TOVManualLink.cpp
@@ -38,19 +32,31 @@ set(TOV_SOURCES
   rules/TOVTriggersRulesJsonParser.cpp
   rules/TOVVersioningSelection.cpp
   rules/TOVVersioningSelectionRulesJsonParser.cpp
-  # Data-model information
-  dm/TOV_DMAttribute.cpp
-  dm/TOV_DMInfoInitializerController.cpp
-  dm/TOV_DMInfoJsonParsers.cpp
-  dm/TOV_DMStructure.cpp
-  dm/TOV_DMStructureObject.cpp
-  # Evaluators
+  # Request frame: response, core data, controller base
+  frame/TOVActionController.cpp
+  frame/TOVCoreDataControllers.cpp
+  frame/TOVResponse.cpp
+  frame/TOVResponseJsonParser.cpp
+  # Evaluators: every controller
   evaluators/TOVConflictsResolutionOptionsFinder.cpp
   evaluators/TOVConflictsResolutionOptionsFinderParser.cpp
   evaluators/TOVEditController.cpp
   evaluators/TOVEditControllerTriggers.cpp
+  evaluators/TOVInitializerController.cpp
   evaluators/TOVLinkController.cpp
   evaluators/TOVLinkCreationParser.cpp
   evaluators/TOVSpinupOptionsFinder.cpp
   evaluators/TOVTransitionJsonParsers.cpp
+  evaluators/TOV_DMInfoInitializerController.cpp
+  # Entry points, front desks, transaction, factory
+  api/entry_points.cpp
+  api/factory.cpp
+  api/TOVFrontdesk.cpp
+  api/TOVTransactionController.cpp
+  api/TOVVemoFrontdesk.cpp
+  # C interface
+  c_api/answers.cpp
+  c_api/log_setting.cpp
+  c_api/request_kinds.cpp
+  c_api/tov_c.cpp
 )

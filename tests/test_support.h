@@ -18,6 +18,29 @@
 
 namespace tovtest {
 
+// A private core data whose logger writes to standard output, so that each
+// test can read back exactly what was logged, without timestamps.
+class ConsoleLoggedTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        coreData.initializeByMalloc();
+        setTOVLoggingFolder("console", &coreData);
+    }
+
+    static void startCapture() {
+        std::fflush(stdout);
+        testing::internal::CaptureStdout();
+    }
+
+    // The logger writes with printf, so its buffer must reach the capture first.
+    static std::string stopCapture() {
+        std::fflush(stdout);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    TOVCoreDataControllers coreData;
+};
+
 // A private core data (its own store, data model and logger) with logging off.
 class PrivateCore {
 public:
@@ -65,6 +88,7 @@ inline std::string asConsoleLines(const std::vector<std::string>& lines) {
 template <typename Named>
 std::vector<std::string> namesOf(const std::vector<Named>& items) {
     std::vector<std::string> names;
+    names.reserve(items.size());
     for (const Named& item : items) {
         names.push_back(item.getName());
     }
@@ -75,8 +99,8 @@ std::vector<std::string> namesOf(const std::vector<Named>& items) {
 class TempFile {
 public:
     explicit TempFile(const std::string& contents) {
-        char name[] = "/tmp/tov_test_XXXXXX";
-        const int fd = mkstemp(name);
+        std::string name = "/tmp/tov_test_XXXXXX";
+        const int fd = mkstemp(name.data());
         if (fd >= 0) {
             close(fd);
         }
@@ -95,8 +119,8 @@ public:
 class TempFolder {
 public:
     TempFolder() {
-        char name[] = "/tmp/tov_test_XXXXXX";
-        if (mkdtemp(name) != nullptr) {
+        std::string name = "/tmp/tov_test_XXXXXX";
+        if (mkdtemp(name.data()) != nullptr) {
             path_ = name;
         }
     }

@@ -27,7 +27,7 @@ public:
 
     TOVLogger* getLifecycleLogger();
     // The value the concrete class passed in: all four edit flavours pass 3.
-    TOVFunctionality getFunctionality() const;
+    TOVFunctionality getFunctionality() const { return functionality; }
 
 protected:
     TOVActionController(TOVFunctionality functionality,
@@ -54,7 +54,7 @@ protected:
     TOVLifecycleBusinessRules* getLifecycleBusinessRules();
     TOV_DMStructure* getLifecycleDMInfo();
     // For a controller that runs another one on the same stores.
-    TOVCoreDataControllers* getCoreData();
+    TOVCoreDataControllers* getCoreData() { return coreData; }
 
 private:
     TOVFunctionality functionality;

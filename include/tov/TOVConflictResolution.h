@@ -57,16 +57,16 @@ private:
     void expressFileUpdateInWords(std::string& text) const;
     void printContentsDBG(TOVLogger* logger) const;
 
-    const std::string& getObjectType() const;
-    const std::string& getAttribute() const;
-    const std::string& getFromValue() const;
-    const std::string& getToValue() const;
-    TOVUpdateFileValues isFileUpdated() const;
-    TOVConflictResolutionValues getConflictResolution() const;
-    void setObjectType(const std::string& value);
-    void setAttribute(const std::string& value);
-    void setFromValue(const std::string& value);
-    void setToValue(const std::string& value);
+    const std::string& getObjectType() const { return objectType; }
+    const std::string& getAttribute() const { return attribute; }
+    const std::string& getFromValue() const { return fromValue; }
+    const std::string& getToValue() const { return toValue; }
+    TOVUpdateFileValues isFileUpdated() const { return fileUpdated; }
+    TOVConflictResolutionValues getConflictResolution() const { return conflictResolution; }
+    void setObjectType(const std::string& value) { objectType = value; }
+    void setAttribute(const std::string& value) { attribute = value; }
+    void setFromValue(const std::string& value) { fromValue = value; }
+    void setToValue(const std::string& value) { toValue = value; }
     void setFileUpdated(TOVUpdateFileValues value);
     // An unknown word leaves the field as it was.
     void setFileUpdated(const std::string& word);

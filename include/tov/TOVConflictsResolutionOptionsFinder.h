@@ -47,13 +47,13 @@ public:
     // forced marks it uses as working notes never stay in the response.
     bool evaluateRequest(TOVResponse& response) override;
 
-    const std::string& getObjectType() const;
-    void setObjectType(const std::string& objectType);
-    const AttributesMap& getInitialAttributes() const;
-    void setInitialAttributes(const AttributesMap& attributes);
+    const std::string& getObjectType() const { return objectType; }
+    void setObjectType(const std::string& type) { objectType = type; }
+    const AttributesMap& getInitialAttributes() const { return initialAttributes; }
+    void setInitialAttributes(const AttributesMap& attributes) { initialAttributes = attributes; }
     bool getValueOfInitialAttribute(const std::string& name, std::string& value) const;
-    const AttributesMap& getTargetAttributes() const;
-    void setTargetAttributes(const AttributesMap& attributes);
+    const AttributesMap& getTargetAttributes() const { return targetAttributes; }
+    void setTargetAttributes(const AttributesMap& attributes) { targetAttributes = attributes; }
     bool getValueOfTargetAttribute(const std::string& name, std::string& value) const;
     // Stores the value under the name, replacing what stood there. A null name
     // stores nothing; a null value is stored as the empty text.

@@ -1,5 +1,13 @@
 // The brain that every request carries: rule store, data-model information and
 // logger, either borrowed from the process-wide instances or owned privately.
+//
+// One private set per host (or per thread that serves requests on its own):
+//
+//   TOVCoreDataControllers coreData;
+//   coreData.initializeByMalloc();            // owns a new store, data model, logger
+//   setTOVLoggingFolder("console", &coreData);  // or a folder, or "" for silence
+//   // ... load the documents and evaluate (see entry_points.h) ...
+//   // Destroying coreData frees the set; the pointers handed out die with it.
 #ifndef TOV_TOVCOREDATACONTROLLERS_H_
 #define TOV_TOVCOREDATACONTROLLERS_H_
 
@@ -30,9 +38,9 @@ public:
     // Frees an owned set; always leaves the record null and not owning.
     void clearContents();
 
-    TOVLifecycleBusinessRules* getRules();
-    TOV_DMStructure* getDmInfo();
-    TOVLogger* getLogger();
+    TOVLifecycleBusinessRules* getRules() { return rules; }
+    TOV_DMStructure* getDmInfo() { return dmInfo; }
+    TOVLogger* getLogger() { return logger; }
 
 private:
     TOVLifecycleBusinessRules* rules;

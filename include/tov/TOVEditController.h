@@ -52,26 +52,30 @@ public:
 
     // --- The request as parsed ---
 
-    bool amUpdatingReprFile() const;
-    bool shouldIgnoreConflictResolutionErrors() const;
+    bool amUpdatingReprFile() const { return updatingReprFile; }
+    bool shouldIgnoreConflictResolutionErrors() const { return ignoreConflictResolutionErrors; }
 
-    const std::string& getObjectType() const;
-    void setObjectType(const std::string& type);
-    const AttributesMap& getFromValues() const;
-    void setFromValues(const AttributesMap& values);
-    const AttributesMap& getToValues() const;
-    void setToValues(const AttributesMap& values);
+    const std::string& getObjectType() const { return objectType; }
+    void setObjectType(const std::string& type) { objectType = type; }
+    const AttributesMap& getFromValues() const { return fromValues; }
+    void setFromValues(const AttributesMap& values) { fromValues = values; }
+    const AttributesMap& getToValues() const { return toValues; }
+    void setToValues(const AttributesMap& values) { toValues = values; }
 
     // Each family member and each manual link ancestor is a packet with its
     // server id under "ServerId".
-    const std::vector<AttributesMap>& getHistoryLinks() const;
-    void setHistoryLinks(const std::vector<AttributesMap>& links);
-    bool haveHistoryLinksDataBeenProvided() const;
-    void setHistoryLinksDataHaveBeenProvided(bool provided);
-    const std::vector<AttributesMap>& getManualLinkAncestors() const;
-    void setManualLinkAncestors(const std::vector<AttributesMap>& ancestors);
-    bool haveManualLinkAncestorsDataBeenProvided() const;
-    void setManualLinkAncestorsDataHaveBeenProvided(bool provided);
+    const std::vector<AttributesMap>& getHistoryLinks() const { return historyLinks; }
+    void setHistoryLinks(const std::vector<AttributesMap>& links) { historyLinks = links; }
+    bool haveHistoryLinksDataBeenProvided() const { return historyLinksDataProvided; }
+    void setHistoryLinksDataHaveBeenProvided(bool provided) { historyLinksDataProvided = provided; }
+    const std::vector<AttributesMap>& getManualLinkAncestors() const { return manualLinkAncestors; }
+    void setManualLinkAncestors(const std::vector<AttributesMap>& ancestors) {
+        manualLinkAncestors = ancestors;
+    }
+    bool haveManualLinkAncestorsDataBeenProvided() const { return manualLinkAncestorsDataProvided; }
+    void setManualLinkAncestorsDataHaveBeenProvided(bool provided) {
+        manualLinkAncestorsDataProvided = provided;
+    }
 
     // Copy the value and return true, or return false and leave `value` alone.
     bool getFromValueOfAttribute(const std::string& name, std::string& value) const;
@@ -87,16 +91,26 @@ public:
     // The keys of the initial packet, or of `toValues` for a new object.
     const std::vector<std::string>& getAllAttributeNames();
 
-    bool haveAttributesToEditBeenCalculated() const;
-    void setAttributesToEditCalculated(bool calculated);
-    bool haveAllAttributeNamesBeenCalculated() const;
-    void setAllAttributeNamesBeenCalculated(bool calculated);
-    bool hasEditsPropertiesForFamilyDetectionBeenCalculated() const;
-    void setEditsPropertiesForFamilyDetectionBeenCalculated(bool calculated);
+    bool haveAttributesToEditBeenCalculated() const { return attributesToEditCalculated; }
+    void setAttributesToEditCalculated(bool calculated) { attributesToEditCalculated = calculated; }
+    bool haveAllAttributeNamesBeenCalculated() const { return allAttributeNamesCalculated; }
+    void setAllAttributeNamesBeenCalculated(bool calculated) {
+        allAttributeNamesCalculated = calculated;
+    }
+    bool hasEditsPropertiesForFamilyDetectionBeenCalculated() const {
+        return editsPropertiesForFamilyDetectionCalculated;
+    }
+    void setEditsPropertiesForFamilyDetectionBeenCalculated(bool calculated) {
+        editsPropertiesForFamilyDetectionCalculated = calculated;
+    }
     // The stored answer only; editsPropertiesUsedForObjectFamilyDetection
     // calculates it.
-    bool getEditsPropertiesUsedForFamilyDetection() const;
-    void setEditsPropertiesUsedForFamilyDetection(bool edits);
+    bool getEditsPropertiesUsedForFamilyDetection() const {
+        return editsPropertiesUsedForFamilyDetection;
+    }
+    void setEditsPropertiesUsedForFamilyDetection(bool edits) {
+        editsPropertiesUsedForFamilyDetection = edits;
+    }
 
 protected:
     bool isInputDataSufficient() override;

@@ -41,15 +41,15 @@ private:
     void expressFileConstraintInWords(std::string& text) const;
     void printContentsDBG(TOVLogger* logger) const;
 
-    const std::string& getObjectType() const;
-    const std::string& getAttribute() const;
-    const std::string& getFromValue() const;
-    const std::string& getToValue() const;
-    TOVUpdateFileConstraint getUpdateFileConstraint() const;
-    void setObjectType(const std::string& value);
-    void setAttribute(const std::string& value);
-    void setFromValue(const std::string& value);
-    void setToValue(const std::string& value);
+    const std::string& getObjectType() const { return objectType; }
+    const std::string& getAttribute() const { return attribute; }
+    const std::string& getFromValue() const { return fromValue; }
+    const std::string& getToValue() const { return toValue; }
+    TOVUpdateFileConstraint getUpdateFileConstraint() const { return updateFileConstraint; }
+    void setObjectType(const std::string& value) { objectType = value; }
+    void setAttribute(const std::string& value) { attribute = value; }
+    void setFromValue(const std::string& value) { fromValue = value; }
+    void setToValue(const std::string& value) { toValue = value; }
     void setUpdateFileConstraint(TOVUpdateFileConstraint value);
     void setUpdateFileConstraint(const std::string& word);
 

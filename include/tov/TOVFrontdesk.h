@@ -30,9 +30,9 @@ protected:
     // Not virtual: a front desk is never deleted through this class.
     ~TOVFrontdesk();
 
-    TOVFunctionality getFunctionalityIdentifier();
+    TOVFunctionality getFunctionalityIdentifier() { return functionalityIdentifier; }
     TOVCoreDataControllers* getTOVBrain();
-    std::map<std::string, std::string>& getLabeledInput();
+    std::map<std::string, std::string>& getLabeledInput() { return labeledInput; }
 
 private:
     TOVFunctionality functionalityIdentifier;

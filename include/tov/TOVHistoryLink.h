@@ -35,15 +35,17 @@ private:
     void sortAcceptableValues();
     void printContentsDBG(TOVLogger* logger) const;
 
-    const std::string& getObjectType() const;
-    const std::string& getAttribute() const;
-    const std::string& getFromValue() const;
-    const std::string& getToValue() const;
-    const std::vector<std::string>& getAcceptableHistoryLinkValues() const;
-    void setObjectType(const std::string& value);
-    void setAttribute(const std::string& value);
-    void setFromValue(const std::string& value);
-    void setToValue(const std::string& value);
+    const std::string& getObjectType() const { return objectType; }
+    const std::string& getAttribute() const { return attribute; }
+    const std::string& getFromValue() const { return fromValue; }
+    const std::string& getToValue() const { return toValue; }
+    const std::vector<std::string>& getAcceptableHistoryLinkValues() const {
+        return acceptableHistoryLinkValues;
+    }
+    void setObjectType(const std::string& value) { objectType = value; }
+    void setAttribute(const std::string& value) { attribute = value; }
+    void setFromValue(const std::string& value) { fromValue = value; }
+    void setToValue(const std::string& value) { toValue = value; }
     void setAcceptableHistoryLinkValues(const std::vector<std::string>& values);
 
     std::string objectType;

@@ -29,14 +29,22 @@ public:
 
     // Each setter replaces a whole list by a copy; each appender copies one rule
     // to the end of its list.
-    void setTransitionsFreeze(const std::vector<TOVTransitionFreeze>& rules);
-    void setHistoryLinks(const std::vector<TOVHistoryLink>& rules);
-    void setManualLinks(const std::vector<TOVManualLink>& rules);
-    void setTransitions(const std::vector<TOVTransition>& rules);
-    void setFileConstraints(const std::vector<TOVFileConstraint>& rules);
-    void setVersioningAttributesSelections(const std::vector<TOVVersioningSelection>& rules);
-    void setConflictsResolutions(const std::vector<TOVConflictResolution>& rules);
-    void setTriggers(const std::vector<TOVTrigger>& rules);
+    void setTransitionsFreeze(const std::vector<TOVTransitionFreeze>& rules) {
+        transitionsFreeze = rules;
+    }
+    void setHistoryLinks(const std::vector<TOVHistoryLink>& rules) { historyLinks = rules; }
+    void setManualLinks(const std::vector<TOVManualLink>& rules) { manualLinks = rules; }
+    void setTransitions(const std::vector<TOVTransition>& rules) { transitions = rules; }
+    void setFileConstraints(const std::vector<TOVFileConstraint>& rules) {
+        fileConstraints = rules;
+    }
+    void setVersioningAttributesSelections(const std::vector<TOVVersioningSelection>& rules) {
+        versioningSelections = rules;
+    }
+    void setConflictsResolutions(const std::vector<TOVConflictResolution>& rules) {
+        conflictResolutions = rules;
+    }
+    void setTriggers(const std::vector<TOVTrigger>& rules) { triggers = rules; }
 
     void appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule);
     void appendNewHistoryLinkRule(const TOVHistoryLink& rule);
@@ -124,14 +132,20 @@ public:
     void printFileConstraintsDBG(TOVLogger* logger) const;
 
 private:
-    const std::vector<TOVTransitionFreeze>& getTransitionsFreeze() const;
-    const std::vector<TOVHistoryLink>& getHistoryLinks() const;
-    const std::vector<TOVManualLink>& getManualLinks() const;
-    const std::vector<TOVTransition>& getTransitions() const;
-    const std::vector<TOVFileConstraint>& getFileConstraints() const;
-    const std::vector<TOVVersioningSelection>& getVersioningAttributesSelections() const;
-    const std::vector<TOVConflictResolution>& getConflictsResolutions() const;
-    const std::vector<TOVTrigger>& getTriggers() const;
+    const std::vector<TOVTransitionFreeze>& getTransitionsFreeze() const {
+        return transitionsFreeze;
+    }
+    const std::vector<TOVHistoryLink>& getHistoryLinks() const { return historyLinks; }
+    const std::vector<TOVManualLink>& getManualLinks() const { return manualLinks; }
+    const std::vector<TOVTransition>& getTransitions() const { return transitions; }
+    const std::vector<TOVFileConstraint>& getFileConstraints() const { return fileConstraints; }
+    const std::vector<TOVVersioningSelection>& getVersioningAttributesSelections() const {
+        return versioningSelections;
+    }
+    const std::vector<TOVConflictResolution>& getConflictsResolutions() const {
+        return conflictResolutions;
+    }
+    const std::vector<TOVTrigger>& getTriggers() const { return triggers; }
 
     // Shared bodies of the lookups and prints; the rules' accessors are private
     // to everyone but the store.
@@ -152,8 +166,14 @@ private:
                                        const AttributesMap& toValues,
                                        const TOV_DMStructure* structure,
                                        std::vector<const Rule*>& related);
+    // Calls `visit(list, heading, label)` on each of the eight lists of
+    // `store`, const or not.
+    template <typename Store, typename Visit>
+    static void forEachRuleList(Store& store, Visit&& visit);
     template <typename Rule>
     static void printRules(const char* heading, const std::vector<Rule>& rules, TOVLogger* logger);
+    template <typename Rule>
+    void printRulesOfKind(TOVLogger* logger) const;
 
     void printDetailsOfScenarioLookingForRelatedRules(const char* heading,
                                                       const std::string& objectType,

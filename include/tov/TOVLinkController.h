@@ -26,14 +26,18 @@ public:
 
     // The type of the ancestor is demanded by the request but takes no part in
     // the evaluation.
-    const std::string& getTypeOfAncestor() const;
-    void setTypeOfAncestor(const std::string& type);
-    const std::string& getTypeOfDescendant() const;
-    void setTypeOfDescendant(const std::string& type);
-    const AttributesMap& getAttributesOfAncestor() const;
-    void setAttributesOfAncestor(const AttributesMap& attributes);
-    const AttributesMap& getAttributesOfDescendant() const;
-    void setAttributesOfDescendant(const AttributesMap& attributes);
+    const std::string& getTypeOfAncestor() const { return typeOfAncestor; }
+    void setTypeOfAncestor(const std::string& type) { typeOfAncestor = type; }
+    const std::string& getTypeOfDescendant() const { return typeOfDescendant; }
+    void setTypeOfDescendant(const std::string& type) { typeOfDescendant = type; }
+    const AttributesMap& getAttributesOfAncestor() const { return attributesOfAncestor; }
+    void setAttributesOfAncestor(const AttributesMap& attributes) {
+        attributesOfAncestor = attributes;
+    }
+    const AttributesMap& getAttributesOfDescendant() const { return attributesOfDescendant; }
+    void setAttributesOfDescendant(const AttributesMap& attributes) {
+        attributesOfDescendant = attributes;
+    }
 
 protected:
     bool isInputDataSufficient() override;

@@ -29,12 +29,12 @@ public:
     // current log file in every case.
     std::string setTOVLoggingOutput(const std::string& output);
 
-    std::string getFile() const;
+    std::string getFile() const { return file; }
 
 private:
-    WhereToLog getWhereToLog() const;
-    void setWhereToLog(WhereToLog whereToLog);
-    void setFile(const char* file);
+    WhereToLog getWhereToLog() const { return whereToLog; }
+    void setWhereToLog(WhereToLog destination) { whereToLog = destination; }
+    void setFile(const char* value) { file = value; }
     void initializeFilename();
     void setFolderToCreateLoggingFile(const char* folder);
     std::string createNameOfLoggingFile() const;

@@ -1,6 +1,21 @@
 // The single result of every request: a general result and an ordered map from
 // keyword to comment. The comment for people is the entry "ResultComment"; the
 // general result appears as "Result" in the text forms only.
+//
+// Reading an answer:
+//
+//   TOVResponse answer = EvaluateTOVEditAttempt(request, &coreData);
+//   TOVMissingDataForEvaluation missing;
+//   if (answer.needsReevaluation(missing)) {
+//       // Fetch the family members and/or the manual link ancestors, add
+//       // "membersOfFamily" / "manualLinkAncestors" to the request, call again.
+//   } else if (answer.getGeneralResult()) {
+//       AttributesMap toInitialize;
+//       answer.collectAttrsToTriggerInitialization(toInitialize);
+//   } else {
+//       std::string why = answer.getGeneralResultComment();
+//   }
+//   std::string forAnotherLanguage = answer.turnResponseIntoASingleString();
 #ifndef TOV_TOVRESPONSE_H_
 #define TOV_TOVRESPONSE_H_
 
@@ -38,8 +53,8 @@ public:
     // Failed with an empty map: unlike the constructor, no "ResultComment" entry.
     void init();
 
-    void setGeneralResult(bool result);
-    bool getGeneralResult() const;
+    void setGeneralResult(bool result) { generalResult = result; }
+    bool getGeneralResult() const { return generalResult; }
 
     // Replaces the comment.
     void setGeneralResultComment(const char* comment);
@@ -81,7 +96,7 @@ public:
     // --- Text forms ---
 
     // A copy of the keyword map, without "Result".
-    std::map<std::string, std::string> getStringStringMapOfResponse() const;
+    std::map<std::string, std::string> getStringStringMapOfResponse() const { return comments; }
     // The same with "Result" set to "Success" or "Failure".
     std::map<std::string, std::string> getStringStringMapResponseWithGeneralResult() const;
     // One flat JSON object of strings, members in key order, white space in keys

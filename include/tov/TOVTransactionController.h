@@ -36,7 +36,7 @@ private:
                                     std::map<std::string, std::string>& labeledInput,
                                     TOVCoreDataControllers* coreData);
     void destroyProperController();
-    TOVActionController* getActionController();
+    TOVActionController* getActionController() { return actionController; }
 
     TOVActionController* actionController;
 };

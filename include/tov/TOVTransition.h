@@ -38,14 +38,14 @@ private:
     bool shouldAttemptedToValueBeForbidden(const std::string& attemptedValue) const;
     void printContentsDBG(TOVLogger* logger) const;
 
-    const std::string& getObjectType() const;
-    const std::string& getAttribute() const;
-    const std::string& getFromValue() const;
-    const std::vector<std::string>& getToValues() const;
-    void setObjectType(const std::string& value);
-    void setAttribute(const std::string& value);
-    void setFromValue(const std::string& value);
-    void setToValues(const std::vector<std::string>& values);
+    const std::string& getObjectType() const { return objectType; }
+    const std::string& getAttribute() const { return attribute; }
+    const std::string& getFromValue() const { return fromValue; }
+    const std::vector<std::string>& getToValues() const { return toValues; }
+    void setObjectType(const std::string& value) { objectType = value; }
+    void setAttribute(const std::string& value) { attribute = value; }
+    void setFromValue(const std::string& value) { fromValue = value; }
+    void setToValues(const std::vector<std::string>& values) { toValues = values; }
 
     std::string objectType;
     std::string attribute;

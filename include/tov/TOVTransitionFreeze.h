@@ -30,14 +30,14 @@ private:
 
     void printContentsDBG(TOVLogger* logger) const;
 
-    const std::string& getObjectType() const;
-    const std::string& getAttribute() const;
-    const std::string& getFreezeConditionAttribute() const;
-    const std::string& getFreezeConditionValue() const;
-    void setObjectType(const std::string& value);
-    void setAttribute(const std::string& value);
-    void setFreezeConditionAttribute(const std::string& value);
-    void setFreezeConditionValue(const std::string& value);
+    const std::string& getObjectType() const { return objectType; }
+    const std::string& getAttribute() const { return attribute; }
+    const std::string& getFreezeConditionAttribute() const { return freezeConditionAttribute; }
+    const std::string& getFreezeConditionValue() const { return freezeConditionValue; }
+    void setObjectType(const std::string& value) { objectType = value; }
+    void setAttribute(const std::string& value) { attribute = value; }
+    void setFreezeConditionAttribute(const std::string& value) { freezeConditionAttribute = value; }
+    void setFreezeConditionValue(const std::string& value) { freezeConditionValue = value; }
 
     std::string objectType;
     std::string attribute;

@@ -29,9 +29,9 @@ public:
     // True when the target is exactly "Proper_Versioning_Attribute", case included.
     bool isAbstractVersioningReinitializationRule() const;
 
-    std::string getAttribute() const;
-    std::string getTriggerInitialize() const;
-    std::string getInitializationValue() const;
+    std::string getAttribute() const { return attribute; }
+    std::string getTriggerInitialize() const { return triggerInitialize; }
+    std::string getInitializationValue() const { return initializationValue; }
 
     // By object type, attribute, target; the value takes no part.
     bool operator<(const TOVTrigger& other) const;
@@ -41,11 +41,11 @@ private:
 
     void printContentsDBG(TOVLogger* logger) const;
 
-    std::string getObjectType() const;
-    void setObjectType(const std::string& value);
-    void setAttribute(const std::string& value);
-    void setTriggerInitialize(const std::string& value);
-    void setInitializationValue(const std::string& value);
+    std::string getObjectType() const { return objectType; }
+    void setObjectType(const std::string& value) { objectType = value; }
+    void setAttribute(const std::string& value) { attribute = value; }
+    void setTriggerInitialize(const std::string& value) { triggerInitialize = value; }
+    void setInitializationValue(const std::string& value) { initializationValue = value; }
 
     std::string objectType;
     std::string attribute;

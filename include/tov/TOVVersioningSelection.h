@@ -32,7 +32,7 @@ public:
     // True when every condition holds for the packet: the attribute is there
     // and its value is listed exactly, or the list holds "<any>" exactly.
     bool mustSelectVersioningAttributesAccordingToRule(const AttributesMap& packet) const;
-    const std::vector<std::string>& getVersioningOptions() const;
+    const std::vector<std::string>& getVersioningOptions() const { return versioningOptions; }
     void expressRuleInWords(std::string& text) const;
     // By object type; then the rule with more conditions first; then the text
     // of the conditions in byte order.
@@ -49,13 +49,19 @@ private:
     void createComparisonKey();
     void printContentsDBG(TOVLogger* logger) const;
 
-    const std::string& getObjectType() const;
-    const std::map<std::string, std::vector<std::string>>& getConditionAttributesAndValues() const;
-    const std::string& getConditionsComparisonKey() const;
-    void setObjectType(const std::string& value);
+    const std::string& getObjectType() const { return objectType; }
+    const std::map<std::string, std::vector<std::string>>& getConditionAttributesAndValues() const {
+        return conditionAttributesAndValues;
+    }
+    const std::string& getConditionsComparisonKey() const { return conditionsComparisonKey; }
+    void setObjectType(const std::string& value) { objectType = value; }
     void setConditionAttributesAndValues(
-        const std::map<std::string, std::vector<std::string>>& conditions);
-    void setVersioningOptions(const std::vector<std::string>& options);
+        const std::map<std::string, std::vector<std::string>>& conditions) {
+        conditionAttributesAndValues = conditions;
+    }
+    void setVersioningOptions(const std::vector<std::string>& options) {
+        versioningOptions = options;
+    }
 
     std::string objectType;
     std::map<std::string, std::vector<std::string>> conditionAttributesAndValues;

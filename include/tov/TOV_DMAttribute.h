@@ -21,10 +21,10 @@ public:
     // Starts as REGULAR, then takes the category from the word.
     TOV_DMAttribute(const std::string& name, const std::string& typeWord, bool primary);
 
-    const std::string& getName() const;
-    DMAttributeCategories getTypeOfAttribute() const;
-    bool isPrimary() const;
-    void setIsPrimary(bool primary);
+    const std::string& getName() const { return name; }
+    DMAttributeCategories getTypeOfAttribute() const { return type; }
+    bool isPrimary() const { return primary; }
+    void setIsPrimary(bool value) { primary = value; }
 
     void setTypeOfAttribute(DMAttributeCategories type);
     // "REGULAR", "FILE" or "VERSIONING", exact in case; another word changes nothing.

@@ -23,9 +23,9 @@ public:
     void clearAllInfo();
     // True when at least one object type is loaded; the label does not count.
     bool existAnyInfo() const;
-    const std::vector<TOV_DMStructureObject>& getAllStructureObjects() const;
-    std::string getOverwriteLabel() const;
-    void setOverwriteLabel(const std::string& label);
+    const std::vector<TOV_DMStructureObject>& getAllStructureObjects() const { return objects; }
+    std::string getOverwriteLabel() const { return overwriteLabel; }
+    void setOverwriteLabel(const std::string& label) { overwriteLabel = label; }
     // Sorts the objects, and in each object its primaries and secondaries.
     void sortAllDMInfo();
 

@@ -26,7 +26,7 @@ public:
     TOV_DMStructureObject(const std::string& name, const std::string& categoryWord,
                           const std::vector<TOV_DMAttribute>& attributes);
 
-    const std::string& getName() const;
+    const std::string& getName() const { return name; }
 
     void setDMObjectCategory(DMObjectCategories category);
     // "DMITEM" or "RLI", exact in case; another word changes nothing.
@@ -36,9 +36,9 @@ public:
     void appendToPrimaries(const TOV_DMAttribute& attribute);
     void appendToSecondaries(const TOV_DMAttribute& attribute);
 
-    DMObjectCategories getObjectCategory() const;
-    const std::vector<TOV_DMAttribute>& getPrimaryAttributes() const;
-    const std::vector<TOV_DMAttribute>& getSecondaryAttributes() const;
+    DMObjectCategories getObjectCategory() const { return category; }
+    const std::vector<TOV_DMAttribute>& getPrimaryAttributes() const { return primaries; }
+    const std::vector<TOV_DMAttribute>& getSecondaryAttributes() const { return secondaries; }
     bool isThisAnRLI() const;
     // Exact name match among the secondaries.
     bool isThisASecondaryAttribute(const std::string& attributeName) const;

@@ -1,6 +1,21 @@
 // The request functions. Each takes the request as JSON text (or, in its
 // FromFile form, the path of a JSON file) and the caller's core data, and
 // answers with a response by value. Calls on one core data must not overlap.
+//
+// A host starts here:
+//
+//   TOVCoreDataControllers coreData;
+//   coreData.initializeByMalloc();
+//   InitializeTOVRulesFromFile("rules.json", &coreData);
+//   InitializeTOV_DMInfoFromFile("datamodel.json", &coreData);
+//
+//   std::string request;
+//   composeSimpleTransitionJson("Part", {{"Status", "In Review"}},
+//                               {{"Status", "Released"}}, request);
+//   TOVResponse answer = EvaluateTOVEditAttempt(request, &coreData);
+//   if (!answer.getGeneralResult()) {
+//       std::cerr << answer.getGeneralResultComment() << "\n";
+//   }
 #ifndef TOV_ENTRY_POINTS_H_
 #define TOV_ENTRY_POINTS_H_
 

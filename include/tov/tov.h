@@ -32,6 +32,8 @@
 #include "tov/entry_points.h"
 #include "tov/export.h"
 #include "tov/string_helpers.h"
+#include "tov/tov_c.h"
+#include "tov/version.h"
 #include "tov/vocabulary.h"
 
 #endif  // TOV_TOV_H_

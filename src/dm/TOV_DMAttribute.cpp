@@ -9,22 +9,6 @@ TOV_DMAttribute::TOV_DMAttribute(const std::string& name, const std::string& typ
     setTypeOfAttribute(typeWord);
 }
 
-const std::string& TOV_DMAttribute::getName() const {
-    return name;
-}
-
-TOV_DMAttribute::DMAttributeCategories TOV_DMAttribute::getTypeOfAttribute() const {
-    return type;
-}
-
-bool TOV_DMAttribute::isPrimary() const {
-    return primary;
-}
-
-void TOV_DMAttribute::setIsPrimary(bool isPrimary) {
-    primary = isPrimary;
-}
-
 void TOV_DMAttribute::setTypeOfAttribute(DMAttributeCategories category) {
     type = category;
 }

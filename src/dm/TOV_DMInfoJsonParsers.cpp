@@ -37,9 +37,7 @@ bool TOV_DMInfoJsonParser::parseStructureObjects() {
     }
     rapidjson::Value list;
     if (!getJsonArraySection(document, kStructureObjects, list)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     // One parser for the whole list, so that it remembers the last name read.
     TOV_DMStructureObjectJsonParser objectParser;
@@ -61,9 +59,7 @@ bool TOV_DMInfoJsonParser::parseOverwriteLabel() {
     }
     rapidjson::Value labelValue;
     if (!getJsonStringSection(document, kOverwriteLabel, labelValue)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     std::string label;
     collectStringFromValue(labelValue, label);
@@ -76,8 +72,8 @@ std::string TOV_DMInfoJsonParser::getRuleName() {
 }
 
 void TOV_DMInfoJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kStructureObjects);
-    keywords.push_back(kOverwriteLabel);
+    keywords.emplace_back(kStructureObjects);
+    keywords.emplace_back(kOverwriteLabel);
 }
 
 TOV_DMStructureObjectJsonParser::TOV_DMStructureObjectJsonParser() = default;
@@ -88,9 +84,7 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
                                                            int index, TOV_DMStructure* structure) {
     const std::string indexText = "index=" + std::to_string(index);
     if (!element.IsObject()) {
-        setObjectListedRuleNotAMapError(indexText);
-        setParsingResult(false);
-        return false;
+        return failWith(objectListedRuleNotAMapError(indexText));
     }
     std::string name;
     std::string categoryWord;
@@ -99,18 +93,14 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
         const std::string keyword = getMemberName(member.name);
         if (keyword == kName) {
             if (!collectStringFromValue(member.value, name)) {
-                setAttributeValueStringParsingError(indexText, kName);
-                setParsingResult(false);
-                return false;
+                return failWith(attributeValueStringParsingError(indexText, kName));
             }
             objectName = name;
         } else if (keyword == kDMObjectType) {
             if (!collectStringFromValue(member.value, categoryWord)) {
                 // Once a name is known the rule name tells the object.
-                setAttributeValueStringParsingError(name.empty() ? indexText : std::string(),
-                                                    kDMObjectType);
-                setParsingResult(false);
-                return false;
+                return failWith(attributeValueStringParsingError(
+                    name.empty() ? indexText : std::string(), kDMObjectType));
             }
         } else if (keyword == kAttributes) {
             if (!parseAttributes(member.value, name, attributes)) {
@@ -119,14 +109,10 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
         }
     }
     if (name.empty()) {
-        setNotAllNecessaryKeywordsFoundParsingError(indexText);
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(indexText));
     }
     if (categoryWord.empty() || attributes.empty()) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     structure->appendDMStructureObject(TOV_DMStructureObject(name, categoryWord, attributes));
     return true;
@@ -137,9 +123,7 @@ bool TOV_DMStructureObjectJsonParser::parseAttributes(const rapidjson::Value& va
                                                       std::vector<TOV_DMAttribute>& attributes) {
     TOV_DMAttributeJsonParser attributeParser;
     if (!value.IsArray()) {
-        setJsonSectionNotAListError(kAttributes);
-        setParsingResult(false);
-        return false;
+        return failWith(jsonSectionNotAListError(kAttributes));
     }
     for (const rapidjson::Value& element : value.GetArray()) {
         if (!attributeParser.parseAttribute(element, localName, attributes)) {
@@ -159,9 +143,9 @@ std::string TOV_DMStructureObjectJsonParser::getRuleName() {
 }
 
 void TOV_DMStructureObjectJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kName);
-    keywords.push_back(kDMObjectType);
-    keywords.push_back(kAttributes);
+    keywords.emplace_back(kName);
+    keywords.emplace_back(kDMObjectType);
+    keywords.emplace_back(kAttributes);
 }
 
 TOV_DMAttributeJsonParser::~TOV_DMAttributeJsonParser() = default;
@@ -170,9 +154,7 @@ bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
                                                const std::string& objectName,
                                                std::vector<TOV_DMAttribute>& attributes) {
     if (!element.IsObject()) {
-        setObjectListedRuleNotAMapError(objectName);
-        setParsingResult(false);
-        return false;
+        return failWith(objectListedRuleNotAMapError(objectName));
     }
     std::string name;
     std::string typeWord;
@@ -183,25 +165,19 @@ bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
         if (keyword == kName || keyword == kType) {
             std::string& target = keyword == kName ? name : typeWord;
             if (!collectStringFromValue(member.value, target)) {
-                setAttributeValueStringParsingError(objectName, keyword);
-                setParsingResult(false);
-                return false;
+                return failWith(attributeValueStringParsingError(objectName, keyword));
             }
         } else if (keyword == kPrimary) {
             primarySeen = true;
             if (!collectBoolFromValue(member.value, primary)) {
-                setAttributeValueBoolParsingError(objectName, kPrimary);
-                setParsingResult(false);
-                return false;
+                return failWith(attributeValueBoolParsingError(objectName, kPrimary));
             }
         }
     }
     if (name.empty() || typeWord.empty() || !primarySeen) {
-        setNotAllNecessaryKeywordsFoundParsingError(objectName);
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(objectName));
     }
-    attributes.push_back(TOV_DMAttribute(name, typeWord, primary));
+    attributes.emplace_back(name, typeWord, primary);
     return true;
 }
 
@@ -210,7 +186,7 @@ std::string TOV_DMAttributeJsonParser::getRuleName() {
 }
 
 void TOV_DMAttributeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kName);
-    keywords.push_back(kType);
-    keywords.push_back(kPrimary);
+    keywords.emplace_back(kName);
+    keywords.emplace_back(kType);
+    keywords.emplace_back(kPrimary);
 }

@@ -22,18 +22,6 @@ bool TOV_DMStructure::existAnyInfo() const {
     return !objects.empty();
 }
 
-const std::vector<TOV_DMStructureObject>& TOV_DMStructure::getAllStructureObjects() const {
-    return objects;
-}
-
-std::string TOV_DMStructure::getOverwriteLabel() const {
-    return overwriteLabel;
-}
-
-void TOV_DMStructure::setOverwriteLabel(const std::string& label) {
-    overwriteLabel = label;
-}
-
 void TOV_DMStructure::sortAllDMInfo() {
     std::sort(objects.begin(), objects.end());
     for (TOV_DMStructureObject& object : objects) {

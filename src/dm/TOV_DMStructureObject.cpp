@@ -15,10 +15,6 @@ TOV_DMStructureObject::TOV_DMStructureObject(const std::string& name,
     fillAttributesSeparatingThemToPrimaryAndSecondary(attributes);
 }
 
-const std::string& TOV_DMStructureObject::getName() const {
-    return name;
-}
-
 void TOV_DMStructureObject::setDMObjectCategory(DMObjectCategories value) {
     category = value;
 }
@@ -48,18 +44,6 @@ void TOV_DMStructureObject::appendToPrimaries(const TOV_DMAttribute& attribute) 
 
 void TOV_DMStructureObject::appendToSecondaries(const TOV_DMAttribute& attribute) {
     secondaries.push_back(attribute);
-}
-
-TOV_DMStructureObject::DMObjectCategories TOV_DMStructureObject::getObjectCategory() const {
-    return category;
-}
-
-const std::vector<TOV_DMAttribute>& TOV_DMStructureObject::getPrimaryAttributes() const {
-    return primaries;
-}
-
-const std::vector<TOV_DMAttribute>& TOV_DMStructureObject::getSecondaryAttributes() const {
-    return secondaries;
 }
 
 bool TOV_DMStructureObject::isThisAnRLI() const {

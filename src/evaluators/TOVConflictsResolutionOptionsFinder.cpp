@@ -35,33 +35,9 @@ std::string TOVConflictsResolutionOptionsFinder::getInputDataLabelIdentifierForJ
     return kLabelInputIsFilepath;
 }
 
-const std::string& TOVConflictsResolutionOptionsFinder::getObjectType() const {
-    return objectType;
-}
-
-void TOVConflictsResolutionOptionsFinder::setObjectType(const std::string& type) {
-    objectType = type;
-}
-
-const AttributesMap& TOVConflictsResolutionOptionsFinder::getInitialAttributes() const {
-    return initialAttributes;
-}
-
-void TOVConflictsResolutionOptionsFinder::setInitialAttributes(const AttributesMap& attributes) {
-    initialAttributes = attributes;
-}
-
 bool TOVConflictsResolutionOptionsFinder::getValueOfInitialAttribute(const std::string& name,
                                                                      std::string& value) const {
     return getValueofKeywordFromStringStringMap(name, initialAttributes, value);
-}
-
-const AttributesMap& TOVConflictsResolutionOptionsFinder::getTargetAttributes() const {
-    return targetAttributes;
-}
-
-void TOVConflictsResolutionOptionsFinder::setTargetAttributes(const AttributesMap& attributes) {
-    targetAttributes = attributes;
 }
 
 bool TOVConflictsResolutionOptionsFinder::getValueOfTargetAttribute(const std::string& name,

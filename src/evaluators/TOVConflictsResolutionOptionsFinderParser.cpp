@@ -26,7 +26,7 @@ std::string TOVVersionerObjectTypeJsonParser::getRuleName() {
 }
 
 void TOVVersionerObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(TOVTransitionJson_ObjectType);
+    keywords.emplace_back(TOVTransitionJson_ObjectType);
 }
 
 bool TOVVersionerObjectTypeJsonParser::parseSection(rapidjson::Value& root,
@@ -47,7 +47,7 @@ std::string TOVVersionerInitialAttributesParser::getRuleName() {
 
 void TOVVersionerInitialAttributesParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.push_back(TOVTransitionJson_InitialAttributes);
+    keywords.emplace_back(TOVTransitionJson_InitialAttributes);
 }
 
 bool TOVVersionerInitialAttributesParser::parseSection(
@@ -68,7 +68,7 @@ std::string TOVVersionerTargetAttributesParser::getRuleName() {
 
 void TOVVersionerTargetAttributesParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.push_back(TOVTransitionJson_TargetAttributes);
+    keywords.emplace_back(TOVTransitionJson_TargetAttributes);
 }
 
 bool TOVVersionerTargetAttributesParser::parseSection(rapidjson::Value& root,

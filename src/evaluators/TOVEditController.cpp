@@ -44,70 +44,6 @@ std::string TOVEditController::getInputDataLabelIdentifierForJsonFilepath() {
 
 // --- Accessors ---
 
-bool TOVEditController::amUpdatingReprFile() const {
-    return updatingReprFile;
-}
-
-bool TOVEditController::shouldIgnoreConflictResolutionErrors() const {
-    return ignoreConflictResolutionErrors;
-}
-
-const std::string& TOVEditController::getObjectType() const {
-    return objectType;
-}
-
-void TOVEditController::setObjectType(const std::string& type) {
-    objectType = type;
-}
-
-const AttributesMap& TOVEditController::getFromValues() const {
-    return fromValues;
-}
-
-void TOVEditController::setFromValues(const AttributesMap& values) {
-    fromValues = values;
-}
-
-const AttributesMap& TOVEditController::getToValues() const {
-    return toValues;
-}
-
-void TOVEditController::setToValues(const AttributesMap& values) {
-    toValues = values;
-}
-
-const std::vector<AttributesMap>& TOVEditController::getHistoryLinks() const {
-    return historyLinks;
-}
-
-void TOVEditController::setHistoryLinks(const std::vector<AttributesMap>& links) {
-    historyLinks = links;
-}
-
-bool TOVEditController::haveHistoryLinksDataBeenProvided() const {
-    return historyLinksDataProvided;
-}
-
-void TOVEditController::setHistoryLinksDataHaveBeenProvided(bool provided) {
-    historyLinksDataProvided = provided;
-}
-
-const std::vector<AttributesMap>& TOVEditController::getManualLinkAncestors() const {
-    return manualLinkAncestors;
-}
-
-void TOVEditController::setManualLinkAncestors(const std::vector<AttributesMap>& ancestors) {
-    manualLinkAncestors = ancestors;
-}
-
-bool TOVEditController::haveManualLinkAncestorsDataBeenProvided() const {
-    return manualLinkAncestorsDataProvided;
-}
-
-void TOVEditController::setManualLinkAncestorsDataHaveBeenProvided(bool provided) {
-    manualLinkAncestorsDataProvided = provided;
-}
-
 bool TOVEditController::getFromValueOfAttribute(const std::string& name, std::string& value) const {
     return getValueofKeywordFromStringStringMap(name, fromValues, value);
 }
@@ -136,38 +72,6 @@ const std::vector<std::string>& TOVEditController::getAllAttributeNames() {
         calculateAllAttributeNames();
     }
     return allAttributeNames;
-}
-
-bool TOVEditController::haveAttributesToEditBeenCalculated() const {
-    return attributesToEditCalculated;
-}
-
-void TOVEditController::setAttributesToEditCalculated(bool calculated) {
-    attributesToEditCalculated = calculated;
-}
-
-bool TOVEditController::haveAllAttributeNamesBeenCalculated() const {
-    return allAttributeNamesCalculated;
-}
-
-void TOVEditController::setAllAttributeNamesBeenCalculated(bool calculated) {
-    allAttributeNamesCalculated = calculated;
-}
-
-bool TOVEditController::hasEditsPropertiesForFamilyDetectionBeenCalculated() const {
-    return editsPropertiesForFamilyDetectionCalculated;
-}
-
-void TOVEditController::setEditsPropertiesForFamilyDetectionBeenCalculated(bool calculated) {
-    editsPropertiesForFamilyDetectionCalculated = calculated;
-}
-
-bool TOVEditController::getEditsPropertiesUsedForFamilyDetection() const {
-    return editsPropertiesUsedForFamilyDetection;
-}
-
-void TOVEditController::setEditsPropertiesUsedForFamilyDetection(bool edits) {
-    editsPropertiesUsedForFamilyDetection = edits;
 }
 
 // --- Input ---
@@ -455,40 +359,64 @@ void composeLinkViolationComment(const char* heading, const Rule& rule,
     rule.expressRuleInWords(comment);
 }
 
-}  // namespace
-
-bool TOVEditController::foundHistoryLinkViolation(TOVResponse& response) {
-    TOVHistoryLink violated;
+// The one body of both link checks; each kind hands in its own steps.
+template <typename Rule>
+bool foundLinkViolation(TOVEditController& controller,
+                        bool (TOVEditController::*getFirstViolation)(Rule&, AttributesMap&, bool&),
+                        void (TOVEditController::*composeComment)(const Rule&, const AttributesMap&,
+                                                                  bool, std::string&),
+                        void (TOVEditController::*markMissingData)(TOVResponse&),
+                        TOVResponse& response) {
+    Rule violated;
     AttributesMap offendingEntry;
     bool missingData = false;
-    if (!getFirstHistoryLinkRuleViolation(violated, offendingEntry, missingData)) {
+    if (!(controller.*getFirstViolation)(violated, offendingEntry, missingData)) {
         return false;
     }
     response.setGeneralResult(false);
     std::string comment;
-    composeCommentForHistoryLinkViolation(violated, offendingEntry, missingData, comment);
+    (controller.*composeComment)(violated, offendingEntry, missingData, comment);
     response.appendToGeneralResultComment(comment.c_str());
     if (missingData) {
-        markResponseWithHistoryLinkMissingData(response);
+        (controller.*markMissingData)(response);
     }
     return true;
 }
 
-bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
-    TOVManualLink violated;
-    AttributesMap offendingEntry;
-    bool missingData = false;
-    if (!getFirstManualLinkRuleViolation(violated, offendingEntry, missingData)) {
+// Without the linked objects the first related rule objects, since none can be
+// cleared; with them, the first rule that `violates` one of them.
+template <typename Rule, typename Violates>
+bool selectFirstLinkViolation(const std::vector<const Rule*>& related, bool linkedObjectsProvided,
+                              Violates&& violates, Rule& violated, bool& missingData) {
+    if (related.empty()) {
         return false;
     }
-    response.setGeneralResult(false);
-    std::string comment;
-    composeCommentForManualLinkViolation(violated, offendingEntry, missingData, comment);
-    response.appendToGeneralResultComment(comment.c_str());
-    if (missingData) {
-        markResponseWithManualLinkMissingData(response);
+    if (!linkedObjectsProvided) {
+        violated = *related.front();
+        missingData = true;
+        return true;
     }
-    return true;
+    for (const Rule* rule : related) {
+        if (violates(*rule)) {
+            violated = *rule;
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+bool TOVEditController::foundHistoryLinkViolation(TOVResponse& response) {
+    return foundLinkViolation(*this, &TOVEditController::getFirstHistoryLinkRuleViolation,
+                              &TOVEditController::composeCommentForHistoryLinkViolation,
+                              &TOVEditController::markResponseWithHistoryLinkMissingData, response);
+}
+
+bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
+    return foundLinkViolation(*this, &TOVEditController::getFirstManualLinkRuleViolation,
+                              &TOVEditController::composeCommentForManualLinkViolation,
+                              &TOVEditController::markResponseWithManualLinkMissingData, response);
 }
 
 bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated,
@@ -500,21 +428,11 @@ bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violate
     getLifecycleBusinessRules()->getRelatedHistoryLinkRulesExact(
         objectType, getAllAttributeNames(), fromValues, toValues, getLifecycleDMInfo(), related,
         getLifecycleLogger());
-    if (related.empty()) {
-        return false;
-    }
-    if (!historyLinksDataProvided) {
-        violated = *related.front();
-        missingData = true;
-        return true;
-    }
-    for (const TOVHistoryLink* rule : related) {
-        if (rule->foundHistoryLinkObjectViolatingRule(historyLinks, offendingEntry)) {
-            violated = *rule;
-            return true;
-        }
-    }
-    return false;
+    const auto violates = [this, &offendingEntry](const TOVHistoryLink& rule) {
+        return rule.foundHistoryLinkObjectViolatingRule(historyLinks, offendingEntry);
+    };
+    return selectFirstLinkViolation(related, historyLinksDataProvided, violates, violated,
+                                    missingData);
 }
 
 bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
@@ -526,21 +444,11 @@ bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
     getLifecycleBusinessRules()->getRelatedManualLinkRulesExact(
         objectType, getAttributesToEdit(), fromValues, toValues, getLifecycleDMInfo(), related,
         getLifecycleLogger());
-    if (related.empty()) {
-        return false;
-    }
-    if (!manualLinkAncestorsDataProvided) {
-        violated = *related.front();
-        missingData = true;
-        return true;
-    }
-    for (const TOVManualLink* rule : related) {
-        if (rule->foundManualAncestorViolatingRule(manualLinkAncestors, offendingEntry)) {
-            violated = *rule;
-            return true;
-        }
-    }
-    return false;
+    const auto violates = [this, &offendingEntry](const TOVManualLink& rule) {
+        return rule.foundManualAncestorViolatingRule(manualLinkAncestors, offendingEntry);
+    };
+    return selectFirstLinkViolation(related, manualLinkAncestorsDataProvided, violates, violated,
+                                    missingData);
 }
 
 void TOVEditController::composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,

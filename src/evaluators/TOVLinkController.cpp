@@ -24,38 +24,6 @@ std::string TOVLinkController::getInputDataLabelIdentifierForJsonFilepath() {
     return kLabelInputIsFilepath;
 }
 
-const std::string& TOVLinkController::getTypeOfAncestor() const {
-    return typeOfAncestor;
-}
-
-void TOVLinkController::setTypeOfAncestor(const std::string& type) {
-    typeOfAncestor = type;
-}
-
-const std::string& TOVLinkController::getTypeOfDescendant() const {
-    return typeOfDescendant;
-}
-
-void TOVLinkController::setTypeOfDescendant(const std::string& type) {
-    typeOfDescendant = type;
-}
-
-const AttributesMap& TOVLinkController::getAttributesOfAncestor() const {
-    return attributesOfAncestor;
-}
-
-void TOVLinkController::setAttributesOfAncestor(const AttributesMap& attributes) {
-    attributesOfAncestor = attributes;
-}
-
-const AttributesMap& TOVLinkController::getAttributesOfDescendant() const {
-    return attributesOfDescendant;
-}
-
-void TOVLinkController::setAttributesOfDescendant(const AttributesMap& attributes) {
-    attributesOfDescendant = attributes;
-}
-
 bool TOVLinkController::isInputDataSufficient() {
     return hasNonEmptyInputWithThisLabel(getInputDataLabelIndentifierForLinkCreationData());
 }

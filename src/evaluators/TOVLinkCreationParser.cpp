@@ -16,13 +16,12 @@ bool TOVLinkCreationParser::parseAllSections() {
 }
 
 void TOVLinkedObjectJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(TOVTransitionJson_ObjectType);
-    keywords.push_back(TOVManualLinksJson_Attributes);
+    keywords.emplace_back(TOVTransitionJson_ObjectType);
+    keywords.emplace_back(TOVManualLinksJson_Attributes);
 }
 
-void TOVLinkedObjectJsonParser::setAttributesNotAMapError() {
-    const std::string message = getRuleName() + ":" + "Attributes should be a map.";
-    appendToParsingErrorComment(message.c_str());
+std::string TOVLinkedObjectJsonParser::attributesNotAMapError() {
+    return getRuleName() + ":" + "Attributes should be a map.";
 }
 
 bool TOVLinkedObjectJsonParser::readLinkedObject(rapidjson::Value& root, const char* sectionKeyword,
@@ -36,27 +35,19 @@ bool TOVLinkedObjectJsonParser::readLinkedObject(rapidjson::Value& root, const c
         const std::string keyword = getMemberName(member.name);
         if (keyword == TOVTransitionJson_ObjectType) {
             if (!collectStringFromValue(member.value, type)) {
-                setAttributeValueStringParsingError("", keyword);
-                setParsingResult(false);
-                return false;
+                return failWith(attributeValueStringParsingError("", keyword));
             }
         } else if (keyword == TOVManualLinksJson_Attributes) {
             if (!member.value.IsObject()) {
-                setAttributesNotAMapError();
-                setParsingResult(false);
-                return false;
+                return failWith(attributesNotAMapError());
             }
             if (!collectKeyValuesPairsFromSection(member.value, attributes)) {
-                setErrorParsingTheKeysValuesMapOfAttribute(keyword);
-                setParsingResult(false);
-                return false;
+                return failWith(errorParsingTheKeysValuesMapOfAttribute(keyword));
             }
         }
     }
     if (type.empty() || attributes.empty()) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     return true;
 }

@@ -42,7 +42,7 @@ protected:
 
 private:
     // The rule name, ":", "Attributes should be a map."
-    void setAttributesNotAMapError();
+    std::string attributesNotAMapError();
 };
 
 // Reads "ancestor" into the controller.

@@ -60,28 +60,21 @@ bool TOVManualOrHistoryLinkJsonParser::parseMember(const std::string& serverId,
                                                    LinkedObjects kind,
                                                    TOVEditController* controller) {
     if (!member.IsObject()) {
-        setMemberDataNotAMapError(serverId);
-        setParsingResult(false);
-        return false;
+        return failWith(memberError(serverId, "Data should be a map"));
     }
     for (const auto& entry : member.GetObject()) {
         const std::string keyword = getMemberName(entry.name);
         if (keyword != TOVManualLinksJson_Attributes) {
-            setMemberUnknownKeywordError(serverId, keyword);
-            setParsingResult(false);
-            return false;
+            return failWith(
+                memberError(serverId, "Unknown keyword " + createStringInQuotes(keyword.c_str())));
         }
         if (!entry.value.IsObject()) {
-            setMemberAttributesNotAMapError(serverId);
-            setParsingResult(false);
-            return false;
+            return failWith(memberError(serverId, "Attributes should be a map."));
         }
         AttributesMap attributes;
         if (!collectKeyValuesPairsFromSection(entry.value, attributes)) {
-            setErrorParsingTheKeysValuesMapOfAttribute(std::string(TOVManualLinksJson_Attributes) +
-                                                       " of " + serverId);
-            setParsingResult(false);
-            return false;
+            return failWith(errorParsingTheKeysValuesMapOfAttribute(
+                std::string(TOVManualLinksJson_Attributes) + " of " + serverId));
         }
         // The id goes in last, so that it wins over an attribute of that name.
         setTOVServerIdIntoAttributesMap(serverId, attributes);
@@ -94,25 +87,10 @@ bool TOVManualOrHistoryLinkJsonParser::parseMember(const std::string& serverId,
     return true;
 }
 
-void TOVManualOrHistoryLinkJsonParser::composeMemberError(const std::string& serverId,
+std::string TOVManualOrHistoryLinkJsonParser::memberError(const std::string& serverId,
                                                           const std::string& detail) {
-    const std::string message = getRuleName() + "Member with server id" +
-                                createStringInQuotes(serverId.c_str()) + ":" + detail;
-    appendToParsingErrorComment(message.c_str());
-}
-
-void TOVManualOrHistoryLinkJsonParser::setMemberDataNotAMapError(const std::string& serverId) {
-    composeMemberError(serverId, "Data should be a map");
-}
-
-void TOVManualOrHistoryLinkJsonParser::setMemberUnknownKeywordError(const std::string& serverId,
-                                                                    const std::string& keyword) {
-    composeMemberError(serverId, "Unknown keyword " + createStringInQuotes(keyword.c_str()));
-}
-
-void TOVManualOrHistoryLinkJsonParser::setMemberAttributesNotAMapError(
-    const std::string& serverId) {
-    composeMemberError(serverId, "Attributes should be a map.");
+    return getRuleName() + "Member with server id" + createStringInQuotes(serverId.c_str()) + ":" +
+           detail;
 }
 
 // --- TOVMembersOfFamilyJsonParser ---
@@ -130,7 +108,7 @@ std::string TOVMembersOfFamilyJsonParser::getRuleName() {
 }
 
 void TOVMembersOfFamilyJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kMembersOfFamily);
+    keywords.emplace_back(kMembersOfFamily);
 }
 
 // --- TOVManualLinkAncestorsJsonParser ---
@@ -148,7 +126,7 @@ std::string TOVManualLinkAncestorsJsonParser::getRuleName() {
 }
 
 void TOVManualLinkAncestorsJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kManualLinkAncestors);
+    keywords.emplace_back(kManualLinkAncestors);
 }
 
 // --- TOVEditorObjectTypeJsonParser ---
@@ -170,7 +148,7 @@ std::string TOVEditorObjectTypeJsonParser::getRuleName() {
 }
 
 void TOVEditorObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(TOVTransitionJson_ObjectType);
+    keywords.emplace_back(TOVTransitionJson_ObjectType);
 }
 
 // --- TOVInitialAttributesParser ---
@@ -193,7 +171,7 @@ std::string TOVInitialAttributesParser::getRuleName() {
 }
 
 void TOVInitialAttributesParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(TOVTransitionJson_InitialAttributes);
+    keywords.emplace_back(TOVTransitionJson_InitialAttributes);
 }
 
 // --- TOVTargetAttributesParser ---

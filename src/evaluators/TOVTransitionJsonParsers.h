@@ -40,16 +40,12 @@ protected:
     bool parseLinkedObjectsSection(rapidjson::Value& root, const char* keyword, LinkedObjects kind,
                                    TOVEditController* controller);
 
-    // No blank between the rule name, "Member with server id" and the quoted
-    // id: the messages read so on purpose.
-    void setMemberDataNotAMapError(const std::string& serverId);
-    void setMemberUnknownKeywordError(const std::string& serverId, const std::string& keyword);
-    void setMemberAttributesNotAMapError(const std::string& serverId);
-
 private:
     bool parseMember(const std::string& serverId, const rapidjson::Value& member,
                      LinkedObjects kind, TOVEditController* controller);
-    void composeMemberError(const std::string& serverId, const std::string& detail);
+    // The rule name, "Member with server id", the quoted id, ":" and `detail`,
+    // with no blank between the first three: the messages read so on purpose.
+    std::string memberError(const std::string& serverId, const std::string& detail);
 };
 
 class TOVMembersOfFamilyJsonParser : public TOVManualOrHistoryLinkJsonParser {

@@ -1,5 +1,6 @@
 #include "tov/TOVLogger.h"
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -35,22 +36,6 @@ std::string TOVLogger::setTOVLoggingOutput(const std::string& output) {
     return file;
 }
 
-std::string TOVLogger::getFile() const {
-    return file;
-}
-
-WhereToLog TOVLogger::getWhereToLog() const {
-    return whereToLog;
-}
-
-void TOVLogger::setWhereToLog(WhereToLog destination) {
-    whereToLog = destination;
-}
-
-void TOVLogger::setFile(const char* path) {
-    file = path;
-}
-
 void TOVLogger::initializeFilename() {
     setFolderToCreateLoggingFile(defaultLogFolder());
 }
@@ -71,9 +56,9 @@ std::string TOVLogger::createNameOfLoggingFile() const {
 std::string TOVLogger::createMessagePrependedWithTimestamp(const char* message) const {
     std::tm local{};
     currentTimeInSeconds(&local);
-    char stamp[100] = {};
-    std::strftime(stamp, sizeof stamp, "%d/%m/%Y %H:%M:%S", &local);
-    std::string line = stamp;
+    std::array<char, 100> stamp{};
+    std::strftime(stamp.data(), stamp.size(), "%d/%m/%Y %H:%M:%S", &local);
+    std::string line = stamp.data();
     line += " : ";
     if (message != nullptr) {
         line += message;

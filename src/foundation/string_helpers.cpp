@@ -11,6 +11,7 @@ namespace {
 // tolower is only defined for values an unsigned char can hold; bytes beyond
 // ASCII have no case to fold in the byte-wise comparison anyway.
 int foldByte(char byte) {
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse): negative on purpose, see above.
     const int value = static_cast<signed char>(byte);
     return value < 0 ? value : std::tolower(value);
 }

@@ -83,11 +83,3 @@ TOV_DMStructure* TOVActionController::getLifecycleDMInfo() {
 TOVLogger* TOVActionController::getLifecycleLogger() {
     return coreData->getLogger();
 }
-
-TOVFunctionality TOVActionController::getFunctionality() const {
-    return functionality;
-}
-
-TOVCoreDataControllers* TOVActionController::getCoreData() {
-    return coreData;
-}

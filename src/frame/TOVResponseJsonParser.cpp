@@ -16,8 +16,8 @@ std::string TOVResponseJsonParser::getRuleName() {
 }
 
 void TOVResponseJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kResultKeyword);
-    keywords.push_back(kResultCommentKeyword);
+    keywords.emplace_back(kResultKeyword);
+    keywords.emplace_back(kResultCommentKeyword);
 }
 
 bool TOVResponseJsonParser::fill(const char* text) {
@@ -31,9 +31,7 @@ bool TOVResponseJsonParser::fill(const char* text) {
         return true;
     }
     if (pairs.count(kResultKeyword) == 0 || pairs.count(kResultCommentKeyword) == 0) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     response->fillFromStringStringMap(pairs);
     return true;

@@ -7,7 +7,6 @@
 #include <rapidjson/writer.h>
 
 #include "json/TOVJsonDocumentWriter.h"
-#include "tov/TOVResponse.h"
 
 namespace {
 
@@ -30,10 +29,6 @@ std::string TOVJsonComposer::createJsonFromStringStringMap(
     document.SetObject();
     TOVJsonDocumentWriter::addNamesValuesToJsonDoc(map, document, document.GetAllocator());
     return TOVJsonDocumentWriter::createStringFromJsonDocument(document);
-}
-
-std::string TOVJsonComposer::createJsonResponseFromClass(const TOVResponse* response) const {
-    return createJsonFromStringStringMap(response->getStringStringMapResponseWithGeneralResult());
 }
 
 std::string TOVJsonComposer::getSanitizedStringForJsonDoc(const std::string& text) {

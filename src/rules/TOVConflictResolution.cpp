@@ -27,38 +27,6 @@ TOVConflictResolution::TOVConflictResolution(
     setConflictResolution(conflictResolution);
 }
 
-const std::string& TOVConflictResolution::getObjectType() const {
-    return objectType;
-}
-const std::string& TOVConflictResolution::getAttribute() const {
-    return attribute;
-}
-const std::string& TOVConflictResolution::getFromValue() const {
-    return fromValue;
-}
-const std::string& TOVConflictResolution::getToValue() const {
-    return toValue;
-}
-void TOVConflictResolution::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVConflictResolution::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVConflictResolution::setFromValue(const std::string& value) {
-    fromValue = value;
-}
-void TOVConflictResolution::setToValue(const std::string& value) {
-    toValue = value;
-}
-
-TOVUpdateFileValues TOVConflictResolution::isFileUpdated() const {
-    return fileUpdated;
-}
-TOVConflictResolution::TOVConflictResolutionValues TOVConflictResolution::getConflictResolution()
-    const {
-    return conflictResolution;
-}
 void TOVConflictResolution::setFileUpdated(TOVUpdateFileValues value) {
     fileUpdated = value;
 }

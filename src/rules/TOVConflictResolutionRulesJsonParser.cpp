@@ -26,12 +26,12 @@ std::string TOVConflictResolutionRulesJsonParser::getRuleName() {
 // still loads.
 void TOVConflictResolutionRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.push_back(kAttributeKeyword);
-    keywords.push_back(kFromValueKeyword);
-    keywords.push_back(kToValueKeyword);
-    keywords.push_back(kUpdatesFileKeyword);
-    keywords.push_back(kHasDifferentPrimariesKeyword);
-    keywords.push_back(kConflictResolutionKeyword);
+    keywords.emplace_back(kAttributeKeyword);
+    keywords.emplace_back(kFromValueKeyword);
+    keywords.emplace_back(kToValueKeyword);
+    keywords.emplace_back(kUpdatesFileKeyword);
+    keywords.emplace_back(kHasDifferentPrimariesKeyword);
+    keywords.emplace_back(kConflictResolutionKeyword);
 }
 
 bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
@@ -59,9 +59,7 @@ bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
                     text = &conflictResolution;
                 } else if (keyword == kHasDifferentPrimariesKeyword) {
                     if (!collectBoolFromValue(member.value, hasDifferentPrimaries)) {
-                        setAttributeValueBoolParsingError(objectType, keyword);
-                        setParsingResult(false);
-                        return false;
+                        return failWith(attributeValueBoolParsingError(objectType, keyword));
                     }
                     continue;
                 } else {
@@ -69,17 +67,13 @@ bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
                     continue;
                 }
                 if (!collectStringFromValue(member.value, *text)) {
-                    setAttributeValueStringParsingError(objectType, keyword);
-                    setParsingResult(false);
-                    return false;
+                    return failWith(attributeValueStringParsingError(objectType, keyword));
                 }
             }
             // An empty value counts as a missing keyword.
             if (objectType.empty() || attribute.empty() || fromValue.empty() || toValue.empty() ||
                 updatesFile.empty() || conflictResolution.empty()) {
-                setNotAllNecessaryKeywordsFoundParsingError(objectType);
-                setParsingResult(false);
-                return false;
+                return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
             }
             changeAllToAny(objectType);
             store->appendNewConflictResolutionRule(

@@ -19,34 +19,6 @@ TOVFileConstraint::TOVFileConstraint(const std::string& objectType, const std::s
     setUpdateFileConstraint(updateFile);
 }
 
-const std::string& TOVFileConstraint::getObjectType() const {
-    return objectType;
-}
-const std::string& TOVFileConstraint::getAttribute() const {
-    return attribute;
-}
-const std::string& TOVFileConstraint::getFromValue() const {
-    return fromValue;
-}
-const std::string& TOVFileConstraint::getToValue() const {
-    return toValue;
-}
-void TOVFileConstraint::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVFileConstraint::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVFileConstraint::setFromValue(const std::string& value) {
-    fromValue = value;
-}
-void TOVFileConstraint::setToValue(const std::string& value) {
-    toValue = value;
-}
-
-TOVFileConstraint::TOVUpdateFileConstraint TOVFileConstraint::getUpdateFileConstraint() const {
-    return updateFileConstraint;
-}
 void TOVFileConstraint::setUpdateFileConstraint(TOVUpdateFileConstraint value) {
     updateFileConstraint = value;
 }

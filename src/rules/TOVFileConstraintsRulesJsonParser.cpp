@@ -2,7 +2,6 @@
 
 #include "tov/TOVFileConstraint.h"
 #include "tov/TOVLifecycleBusinessRules.h"
-#include "tov/string_helpers.h"
 
 namespace {
 
@@ -22,26 +21,19 @@ std::string TOVFileConstraintsRulesJsonParser::getRuleName() {
 
 void TOVFileConstraintsRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.push_back(kAttributeKeyword);
-    keywords.push_back(kFromValueKeyword);
-    keywords.push_back(kToValueKeyword);
-    keywords.push_back(kUpdateFileKeyword);
+    keywords.emplace_back(kAttributeKeyword);
+    keywords.emplace_back(kFromValueKeyword);
+    keywords.emplace_back(kToValueKeyword);
+    keywords.emplace_back(kUpdateFileKeyword);
 }
 
 bool TOVFileConstraintsRulesJsonParser::parseSection(rapidjson::Value& root,
                                                      TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
-            std::vector<std::string> values;
-            if (!collectRuleKeywordsFromMap(
-                    ruleObject, objectType,
-                    {kAttributeKeyword, kFromValueKeyword, kToValueKeyword, kUpdateFileKeyword},
-                    values)) {
-                return false;
-            }
-            changeAllToAny(objectType);
+    return parseStringRulesSection(
+        root, kSectionKeyword,
+        {kAttributeKeyword, kFromValueKeyword, kToValueKeyword, kUpdateFileKeyword},
+        [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewFileConstraintRule(
                 TOVFileConstraint(objectType, values[0], values[1], values[2], values[3]));
-            return true;
         });
 }

@@ -15,34 +15,6 @@ TOVHistoryLink::TOVHistoryLink(const std::string& objectType, const std::string&
     sortAcceptableValues();
 }
 
-const std::string& TOVHistoryLink::getObjectType() const {
-    return objectType;
-}
-const std::string& TOVHistoryLink::getAttribute() const {
-    return attribute;
-}
-const std::string& TOVHistoryLink::getFromValue() const {
-    return fromValue;
-}
-const std::string& TOVHistoryLink::getToValue() const {
-    return toValue;
-}
-const std::vector<std::string>& TOVHistoryLink::getAcceptableHistoryLinkValues() const {
-    return acceptableHistoryLinkValues;
-}
-void TOVHistoryLink::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVHistoryLink::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVHistoryLink::setFromValue(const std::string& value) {
-    fromValue = value;
-}
-void TOVHistoryLink::setToValue(const std::string& value) {
-    toValue = value;
-}
-
 bool TOVHistoryLink::foundHistoryLinkObjectViolatingRule(const std::vector<AttributesMap>& packets,
                                                          AttributesMap& offending) const {
     return linkrules::findFirstOffendingPacket(

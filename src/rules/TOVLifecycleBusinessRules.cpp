@@ -1,6 +1,7 @@
 #include "tov/TOVLifecycleBusinessRules.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "dm/object_type_matching.h"
 #include "tov/TOVLogger.h"
@@ -24,12 +25,27 @@ std::string candidateValue(const std::string& attribute, const AttributesMap& fr
     return value;
 }
 
-template <typename Rule>
-void sortRules(std::vector<Rule>& rules) {
-    std::sort(rules.begin(), rules.end());
-}
-
 }  // namespace
+
+// The one list of kinds: every walk over all lists goes through it, in the
+// order of the debug print. Each list comes with the heading of its print and
+// its label among the sentences for tools; triggers have no sentence.
+template <typename Store, typename Visit>
+void TOVLifecycleBusinessRules::forEachRuleList(Store& store, Visit&& visit) {
+    visit(store.transitionsFreeze, "----------------TRANSITIONS FREEZE RULES--------------",
+          "transition freeze");
+    visit(store.historyLinks, "---------------HISTORY LINKS RULES ------------------",
+          "history link");
+    visit(store.manualLinks, "---------------MANUAL LINKS RULES ------------------", "manual link");
+    visit(store.transitions, "---------------TRANSITION RULES ------------------", "transition");
+    visit(store.triggers, "---------------  TRIGGER RULES ------------------", nullptr);
+    visit(store.versioningSelections, "--------VERSIONING ATTRIBUTES SELECTION RULES--------",
+          "versioning selection");
+    visit(store.conflictResolutions, "---------------CONFLICTS RESOLUTIONS RULES---------------",
+          "conflict resolution");
+    visit(store.fileConstraints, "----------------------FILE CONSTRAINTS----------------",
+          "file constraint");
+}
 
 template <typename Rule>
 void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vector<Rule>& rules,
@@ -38,6 +54,16 @@ void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vecto
     for (const Rule& rule : rules) {
         rule.printContentsDBG(logger);
     }
+}
+
+// One list under its heading, found by its rule class in the list of kinds.
+template <typename Rule>
+void TOVLifecycleBusinessRules::printRulesOfKind(TOVLogger* logger) const {
+    forEachRuleList(*this, [logger](const auto& rules, const char* heading, const char*) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
+            printRules(heading, rules, logger);
+        }
+    });
 }
 
 // Every lookup walks one list in stored order and keeps each rule whose object
@@ -86,34 +112,6 @@ bool TOVLifecycleBusinessRules::selectRelatedLinkRules(const std::vector<Rule>& 
 
 TOVLifecycleBusinessRules::TOVLifecycleBusinessRules() = default;
 
-void TOVLifecycleBusinessRules::setTransitionsFreeze(
-    const std::vector<TOVTransitionFreeze>& rules) {
-    transitionsFreeze = rules;
-}
-void TOVLifecycleBusinessRules::setHistoryLinks(const std::vector<TOVHistoryLink>& rules) {
-    historyLinks = rules;
-}
-void TOVLifecycleBusinessRules::setManualLinks(const std::vector<TOVManualLink>& rules) {
-    manualLinks = rules;
-}
-void TOVLifecycleBusinessRules::setTransitions(const std::vector<TOVTransition>& rules) {
-    transitions = rules;
-}
-void TOVLifecycleBusinessRules::setFileConstraints(const std::vector<TOVFileConstraint>& rules) {
-    fileConstraints = rules;
-}
-void TOVLifecycleBusinessRules::setVersioningAttributesSelections(
-    const std::vector<TOVVersioningSelection>& rules) {
-    versioningSelections = rules;
-}
-void TOVLifecycleBusinessRules::setConflictsResolutions(
-    const std::vector<TOVConflictResolution>& rules) {
-    conflictResolutions = rules;
-}
-void TOVLifecycleBusinessRules::setTriggers(const std::vector<TOVTrigger>& rules) {
-    triggers = rules;
-}
-
 void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule) {
     transitionsFreeze.push_back(rule);
 }
@@ -140,59 +138,22 @@ void TOVLifecycleBusinessRules::appendNewTriggerRule(const TOVTrigger& rule) {
     triggers.push_back(rule);
 }
 
-const std::vector<TOVTransitionFreeze>& TOVLifecycleBusinessRules::getTransitionsFreeze() const {
-    return transitionsFreeze;
-}
-const std::vector<TOVHistoryLink>& TOVLifecycleBusinessRules::getHistoryLinks() const {
-    return historyLinks;
-}
-const std::vector<TOVManualLink>& TOVLifecycleBusinessRules::getManualLinks() const {
-    return manualLinks;
-}
-const std::vector<TOVTransition>& TOVLifecycleBusinessRules::getTransitions() const {
-    return transitions;
-}
-const std::vector<TOVFileConstraint>& TOVLifecycleBusinessRules::getFileConstraints() const {
-    return fileConstraints;
-}
-const std::vector<TOVVersioningSelection>&
-TOVLifecycleBusinessRules::getVersioningAttributesSelections() const {
-    return versioningSelections;
-}
-const std::vector<TOVConflictResolution>& TOVLifecycleBusinessRules::getConflictsResolutions()
-    const {
-    return conflictResolutions;
-}
-const std::vector<TOVTrigger>& TOVLifecycleBusinessRules::getTriggers() const {
-    return triggers;
-}
-
 void TOVLifecycleBusinessRules::clearAllRules() {
-    transitionsFreeze.clear();
-    historyLinks.clear();
-    manualLinks.clear();
-    transitions.clear();
-    fileConstraints.clear();
-    versioningSelections.clear();
-    conflictResolutions.clear();
-    triggers.clear();
+    forEachRuleList(*this, [](auto& rules, const char*, const char*) { rules.clear(); });
 }
 
 void TOVLifecycleBusinessRules::sortAllRules() {
-    sortRules(transitionsFreeze);
-    sortRules(historyLinks);
-    sortRules(manualLinks);
-    sortRules(transitions);
-    sortRules(triggers);
-    sortRules(versioningSelections);
-    sortRules(conflictResolutions);
-    sortRules(fileConstraints);
+    forEachRuleList(*this, [](auto& rules, const char*, const char*) {
+        std::sort(rules.begin(), rules.end());
+    });
 }
 
 bool TOVLifecycleBusinessRules::existAnyRules() const {
-    return !transitionsFreeze.empty() || !historyLinks.empty() || !manualLinks.empty() ||
-           !transitions.empty() || !fileConstraints.empty() || !versioningSelections.empty() ||
-           !conflictResolutions.empty() || !triggers.empty();
+    bool any = false;
+    forEachRuleList(*this, [&any](const auto& rules, const char*, const char*) {
+        any = any || !rules.empty();
+    });
+    return any;
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTransitionRules(
@@ -276,67 +237,48 @@ void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
 }
 
 void TOVLifecycleBusinessRules::printTransitionsFreezeContentsDBG(TOVLogger* logger) const {
-    printRules("----------------TRANSITIONS FREEZE RULES--------------", transitionsFreeze, logger);
+    printRulesOfKind<TOVTransitionFreeze>(logger);
 }
 void TOVLifecycleBusinessRules::printHistoryLinksContentsDBG(TOVLogger* logger) const {
-    printRules("---------------HISTORY LINKS RULES ------------------", historyLinks, logger);
+    printRulesOfKind<TOVHistoryLink>(logger);
 }
 void TOVLifecycleBusinessRules::printManualLinksContentsDBG(TOVLogger* logger) const {
-    printRules("---------------MANUAL LINKS RULES ------------------", manualLinks, logger);
+    printRulesOfKind<TOVManualLink>(logger);
 }
 void TOVLifecycleBusinessRules::printTransitionContentsDBG(TOVLogger* logger) const {
-    printRules("---------------TRANSITION RULES ------------------", transitions, logger);
+    printRulesOfKind<TOVTransition>(logger);
 }
 void TOVLifecycleBusinessRules::printTriggerContentsDBG(TOVLogger* logger) const {
-    printRules("---------------  TRIGGER RULES ------------------", triggers, logger);
+    printRulesOfKind<TOVTrigger>(logger);
 }
 void TOVLifecycleBusinessRules::printVersioningAttrSelectionsDBG(TOVLogger* logger) const {
-    printRules("--------VERSIONING ATTRIBUTES SELECTION RULES--------", versioningSelections,
-               logger);
+    printRulesOfKind<TOVVersioningSelection>(logger);
 }
 void TOVLifecycleBusinessRules::printConflictResolutionRulesDBG(TOVLogger* logger) const {
-    printRules("---------------CONFLICTS RESOLUTIONS RULES---------------", conflictResolutions,
-               logger);
+    printRulesOfKind<TOVConflictResolution>(logger);
 }
 void TOVLifecycleBusinessRules::printFileConstraintsDBG(TOVLogger* logger) const {
-    printRules("----------------------FILE CONSTRAINTS----------------", fileConstraints, logger);
+    printRulesOfKind<TOVFileConstraint>(logger);
 }
 
 void TOVLifecycleBusinessRules::printContentsDBG(TOVLogger* logger) const {
-    printTransitionsFreezeContentsDBG(logger);
-    printHistoryLinksContentsDBG(logger);
-    printManualLinksContentsDBG(logger);
-    printTransitionContentsDBG(logger);
-    printTriggerContentsDBG(logger);
-    printVersioningAttrSelectionsDBG(logger);
-    printConflictResolutionRulesDBG(logger);
-    printFileConstraintsDBG(logger);
+    forEachRuleList(*this, [logger](const auto& rules, const char* heading, const char*) {
+        printRules(heading, rules, logger);
+    });
 }
-
-namespace {
-
-template <typename Rule>
-void appendSentences(const char* kind, const std::vector<Rule>& rules,
-                     std::vector<std::pair<std::string, std::string>>& sentences) {
-    for (const Rule& rule : rules) {
-        std::string sentence;
-        rule.expressRuleInWords(sentence);
-        sentences.emplace_back(kind, sentence);
-    }
-}
-
-}  // namespace
 
 std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expressRulesInWords()
     const {
     std::vector<std::pair<std::string, std::string>> sentences;
-    appendSentences("transition freeze", transitionsFreeze, sentences);
-    appendSentences("history link", historyLinks, sentences);
-    appendSentences("manual link", manualLinks, sentences);
-    appendSentences("transition", transitions, sentences);
-    appendSentences("versioning selection", versioningSelections, sentences);
-    appendSentences("conflict resolution", conflictResolutions, sentences);
-    appendSentences("file constraint", fileConstraints, sentences);
+    forEachRuleList(*this, [&sentences](const auto& rules, const char*, const char* label) {
+        if constexpr (!std::is_same_v<std::decay_t<decltype(rules)>, std::vector<TOVTrigger>>) {
+            for (const auto& rule : rules) {
+                std::string sentence;
+                rule.expressRuleInWords(sentence);
+                sentences.emplace_back(label, sentence);
+            }
+        }
+    });
     return sentences;
 }
 
@@ -353,18 +295,10 @@ std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRul
 std::set<std::string> TOVLifecycleBusinessRules::collectObjectTypesOfRules() const {
     std::set<std::string> objectTypes;
     // A lambda here shares the store's friendship with the rule classes.
-    const auto insertObjectTypes = [&objectTypes](const auto& rules) {
+    forEachRuleList(*this, [&objectTypes](const auto& rules, const char*, const char*) {
         for (const auto& rule : rules) {
             objectTypes.insert(rule.getObjectType());
         }
-    };
-    insertObjectTypes(transitionsFreeze);
-    insertObjectTypes(historyLinks);
-    insertObjectTypes(manualLinks);
-    insertObjectTypes(transitions);
-    insertObjectTypes(fileConstraints);
-    insertObjectTypes(versioningSelections);
-    insertObjectTypes(conflictResolutions);
-    insertObjectTypes(triggers);
+    });
     return objectTypes;
 }

@@ -14,10 +14,10 @@ const char* const kAcceptableHistoryLinkValues = "acceptableHistoryLinkValues";
 const char* const kAcceptableManualLinkValues = "acceptableManualLinkValues";
 
 void pushLinkKeywords(const char* listKeyword, std::vector<std::string>& keywords) {
-    keywords.push_back(kAttribute);
-    keywords.push_back(kFromValue);
-    keywords.push_back(kToValue);
-    keywords.push_back(listKeyword);
+    keywords.emplace_back(kAttribute);
+    keywords.emplace_back(kFromValue);
+    keywords.emplace_back(kToValue);
+    keywords.emplace_back(listKeyword);
 }
 
 }  // namespace
@@ -57,23 +57,19 @@ struct LinkRuleReader {
             }
             if (text != nullptr) {
                 if (!parser.collectStringFromValue(member.value, *text)) {
-                    parser.setAttributeValueStringParsingError(objectType, keyword);
-                    parser.setParsingResult(false);
-                    return false;
+                    return parser.failWith(
+                        parser.attributeValueStringParsingError(objectType, keyword));
                 }
             } else if (keyword == listKeyword) {
                 // A repeated list keyword adds to what the first one gave.
                 if (!parser.collectStringsFromArray(member.value, keywords.acceptableValues)) {
-                    parser.setAttributeValuesStringListParsingError(objectType, keyword);
-                    parser.setParsingResult(false);
-                    return false;
+                    return parser.failWith(
+                        parser.attributeValuesStringListParsingError(objectType, keyword));
                 }
             }
         }
         if (!keywords.isComplete(objectType)) {
-            parser.setNotAllNecessaryKeywordsFoundParsingError(objectType);
-            parser.setParsingResult(false);
-            return false;
+            return parser.failWith(parser.notAllNecessaryKeywordsFoundParsingError(objectType));
         }
         return true;
     }

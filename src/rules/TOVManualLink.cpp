@@ -15,34 +15,6 @@ TOVManualLink::TOVManualLink(const std::string& objectType, const std::string& a
     sortAcceptableValues();
 }
 
-const std::string& TOVManualLink::getObjectType() const {
-    return objectType;
-}
-const std::string& TOVManualLink::getAttribute() const {
-    return attribute;
-}
-const std::string& TOVManualLink::getFromValue() const {
-    return fromValue;
-}
-const std::string& TOVManualLink::getToValue() const {
-    return toValue;
-}
-const std::vector<std::string>& TOVManualLink::getAcceptableManualLinkValues() const {
-    return acceptableManualLinkValues;
-}
-void TOVManualLink::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVManualLink::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVManualLink::setFromValue(const std::string& value) {
-    fromValue = value;
-}
-void TOVManualLink::setToValue(const std::string& value) {
-    toValue = value;
-}
-
 bool TOVManualLink::foundManualAncestorViolatingRule(const std::vector<AttributesMap>& packets,
                                                      AttributesMap& offending) const {
     return linkrules::findFirstOffendingPacket(

@@ -13,31 +13,6 @@ TOVTransition::TOVTransition(const std::string& objectType, const std::string& a
                              const std::string& fromValue, const std::vector<std::string>& toValues)
     : objectType(objectType), attribute(attribute), fromValue(fromValue), toValues(toValues) {}
 
-const std::string& TOVTransition::getObjectType() const {
-    return objectType;
-}
-const std::string& TOVTransition::getAttribute() const {
-    return attribute;
-}
-const std::string& TOVTransition::getFromValue() const {
-    return fromValue;
-}
-const std::vector<std::string>& TOVTransition::getToValues() const {
-    return toValues;
-}
-void TOVTransition::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVTransition::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVTransition::setFromValue(const std::string& value) {
-    fromValue = value;
-}
-void TOVTransition::setToValues(const std::vector<std::string>& value) {
-    toValues = value;
-}
-
 bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
                                                 const AttributesMap& target) const {
     std::string currentValue;

@@ -15,31 +15,6 @@ TOVTransitionFreeze::TOVTransitionFreeze(const std::string& objectType,
       freezeConditionAttribute(freezeConditionAttribute),
       freezeConditionValue(freezeConditionValue) {}
 
-const std::string& TOVTransitionFreeze::getObjectType() const {
-    return objectType;
-}
-const std::string& TOVTransitionFreeze::getAttribute() const {
-    return attribute;
-}
-const std::string& TOVTransitionFreeze::getFreezeConditionAttribute() const {
-    return freezeConditionAttribute;
-}
-const std::string& TOVTransitionFreeze::getFreezeConditionValue() const {
-    return freezeConditionValue;
-}
-void TOVTransitionFreeze::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVTransitionFreeze::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVTransitionFreeze::setFreezeConditionAttribute(const std::string& value) {
-    freezeConditionAttribute = value;
-}
-void TOVTransitionFreeze::setFreezeConditionValue(const std::string& value) {
-    freezeConditionValue = value;
-}
-
 bool TOVTransitionFreeze::shouldPackageBeFrozen(const std::string& attributeName,
                                                 const AttributesMap& packet) const {
     // Names are compared as values here, so "<any>" freezes every attribute.

@@ -2,7 +2,6 @@
 
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVTransitionFreeze.h"
-#include "tov/string_helpers.h"
 
 namespace {
 
@@ -21,25 +20,18 @@ std::string TOVTransitionFreezeRulesJsonParser::getRuleName() {
 
 void TOVTransitionFreezeRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.push_back(kAttributeKeyword);
-    keywords.push_back(kConditionAttributeKeyword);
-    keywords.push_back(kConditionValueKeyword);
+    keywords.emplace_back(kAttributeKeyword);
+    keywords.emplace_back(kConditionAttributeKeyword);
+    keywords.emplace_back(kConditionValueKeyword);
 }
 
 bool TOVTransitionFreezeRulesJsonParser::parseSection(rapidjson::Value& root,
                                                       TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
-            std::vector<std::string> values;
-            if (!collectRuleKeywordsFromMap(
-                    ruleObject, objectType,
-                    {kAttributeKeyword, kConditionAttributeKeyword, kConditionValueKeyword},
-                    values)) {
-                return false;
-            }
-            changeAllToAny(objectType);
+    return parseStringRulesSection(
+        root, kSectionKeyword,
+        {kAttributeKeyword, kConditionAttributeKeyword, kConditionValueKeyword},
+        [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewTransitionFreezeRule(
                 TOVTransitionFreeze(objectType, values[0], values[1], values[2]));
-            return true;
         });
 }

@@ -24,9 +24,9 @@ std::string TOVTransitionRulesJsonParser::getRuleName() {
 }
 
 void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kAttributeKeyword);
-    keywords.push_back(kFromValueKeyword);
-    keywords.push_back(kToValueKeyword);
+    keywords.emplace_back(kAttributeKeyword);
+    keywords.emplace_back(kFromValueKeyword);
+    keywords.emplace_back(kToValueKeyword);
 }
 
 bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
@@ -55,15 +55,11 @@ bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
                 }
                 if (!collected) {
                     // Also a bad "toValue" list is reported as a bad single value.
-                    setAttributeValueStringParsingError(objectType, keyword);
-                    setParsingResult(false);
-                    return false;
+                    return failWith(attributeValueStringParsingError(objectType, keyword));
                 }
             }
             if (objectType.empty() || attribute.empty() || fromValue.empty() || toValues.empty()) {
-                setNotAllNecessaryKeywordsFoundParsingError(objectType);
-                setParsingResult(false);
-                return false;
+                return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
             }
             changeAllToAny(objectType);
             store->appendNewTransitionRule(

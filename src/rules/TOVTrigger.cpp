@@ -13,34 +13,9 @@ TOVTrigger::TOVTrigger(const std::string& objectType, const std::string& attribu
       triggerInitialize(triggerInitialize),
       initializationValue(initializationValue) {}
 
-void TOVTrigger::setObjectType(const std::string& value) {
-    objectType = value;
-}
-void TOVTrigger::setAttribute(const std::string& value) {
-    attribute = value;
-}
-void TOVTrigger::setTriggerInitialize(const std::string& value) {
-    triggerInitialize = value;
-}
-void TOVTrigger::setInitializationValue(const std::string& value) {
-    initializationValue = value;
-}
-
 // Exact on purpose: the word in other capitals names an ordinary attribute.
 bool TOVTrigger::isAbstractVersioningReinitializationRule() const {
     return triggerInitialize == TOVAttrItemKeyword_ProperVersioningAttribute;
-}
-std::string TOVTrigger::getAttribute() const {
-    return attribute;
-}
-std::string TOVTrigger::getTriggerInitialize() const {
-    return triggerInitialize;
-}
-std::string TOVTrigger::getInitializationValue() const {
-    return initializationValue;
-}
-std::string TOVTrigger::getObjectType() const {
-    return objectType;
 }
 
 bool TOVTrigger::operator<(const TOVTrigger& other) const {

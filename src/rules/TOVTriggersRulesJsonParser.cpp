@@ -2,7 +2,6 @@
 
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVTrigger.h"
-#include "tov/string_helpers.h"
 
 namespace {
 
@@ -19,23 +18,16 @@ std::string TOVTriggersRulesJsonParser::getRuleName() {
 }
 
 void TOVTriggersRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.push_back(kAttribute);
-    keywords.push_back(kInitializationValue);
-    keywords.push_back(kTriggerInitialize);
+    keywords.emplace_back(kAttribute);
+    keywords.emplace_back(kInitializationValue);
+    keywords.emplace_back(kTriggerInitialize);
 }
 
 bool TOVTriggersRulesJsonParser::parseSection(rapidjson::Value& root,
                                               TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, "triggers", [&](rapidjson::Value& ruleObject, std::string& objectType) {
-            std::vector<std::string> values;
-            if (!collectRuleKeywordsFromMap(ruleObject, objectType,
-                                            {kAttribute, kTriggerInitialize, kInitializationValue},
-                                            values)) {
-                return false;
-            }
-            changeAllToAny(objectType);
+    return parseStringRulesSection(
+        root, "triggers", {kAttribute, kTriggerInitialize, kInitializationValue},
+        [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewTriggerRule(TOVTrigger(objectType, values[0], values[1], values[2]));
-            return true;
         });
 }

@@ -38,36 +38,6 @@ TOVVersioningSelection::TOVVersioningSelection(
     createComparisonKey();
 }
 
-const std::vector<std::string>& TOVVersioningSelection::getVersioningOptions() const {
-    return versioningOptions;
-}
-
-const std::string& TOVVersioningSelection::getObjectType() const {
-    return objectType;
-}
-
-const std::map<std::string, std::vector<std::string>>&
-TOVVersioningSelection::getConditionAttributesAndValues() const {
-    return conditionAttributesAndValues;
-}
-
-const std::string& TOVVersioningSelection::getConditionsComparisonKey() const {
-    return conditionsComparisonKey;
-}
-
-void TOVVersioningSelection::setObjectType(const std::string& value) {
-    objectType = value;
-}
-
-void TOVVersioningSelection::setConditionAttributesAndValues(
-    const std::map<std::string, std::vector<std::string>>& conditions) {
-    conditionAttributesAndValues = conditions;
-}
-
-void TOVVersioningSelection::setVersioningOptions(const std::vector<std::string>& options) {
-    versioningOptions = options;
-}
-
 bool TOVVersioningSelection::mustSelectVersioningAttributesAccordingToRule(
     const AttributesMap& packet) const {
     for (const auto& condition : conditionAttributesAndValues) {

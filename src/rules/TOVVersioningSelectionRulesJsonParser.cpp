@@ -23,9 +23,9 @@ std::string TOVVersioningSelectionRulesJsonParser::getRuleName() {
 
 void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.push_back(kConditionAttribute1);
-    keywords.push_back(kConditionValue1);
-    keywords.push_back(kVersioningOption);
+    keywords.emplace_back(kConditionAttribute1);
+    keywords.emplace_back(kConditionValue1);
+    keywords.emplace_back(kVersioningOption);
 }
 
 bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
@@ -57,22 +57,16 @@ bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
                     continue;
                 }
                 if (text != nullptr && !collectStringFromValue(member.value, *text)) {
-                    setAttributeValueStringParsingError(objectType, keyword);
-                    setParsingResult(false);
-                    return false;
+                    return failWith(attributeValueStringParsingError(objectType, keyword));
                 }
                 if (list != nullptr && !collectStringsFromArray(member.value, *list)) {
-                    setAttributeValuesStringListParsingError(objectType, keyword);
-                    setParsingResult(false);
-                    return false;
+                    return failWith(attributeValuesStringListParsingError(objectType, keyword));
                 }
             }
 
             if (conditionAttribute1.empty() || conditionValues1.empty() ||
                 versioningOptions.empty()) {
-                setNotAllNecessaryKeywordsFoundParsingError(objectType);
-                setParsingResult(false);
-                return false;
+                return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
             }
 
             changeAllToAny(objectType);

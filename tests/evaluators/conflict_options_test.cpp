@@ -603,7 +603,7 @@ TEST_F(ConflictOptions, ForcedMarksNeverLeaveTheFinder) {
         std::vector<std::string> selections;
         bool approved;
     };
-    const Scenario scenarios[] = {
+    const std::vector<Scenario> scenarios = {
         {{kForceOverwrite}, {}, true},
         {{kForceSpinup}, {}, true},
         {{kForceSpinup}, {kSelectRevisionOrVariant}, true},

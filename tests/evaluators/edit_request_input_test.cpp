@@ -116,7 +116,7 @@ struct Flavour {
 };
 
 TEST_F(EditRequestInputTest, TheFactoryBuildsFourFlavoursThatAllReportFunctionalityThree) {
-    const Flavour flavours[] = {
+    const std::vector<Flavour> flavours = {
         {TOVFunctionality_EditAttemptBeforeConflictResolution, false, true},
         {TOVFunctionality_EditAttempt, false, false},
         {TOVFunctionality_SaveReprFileAttemptBeforeConflictResolution, true, true},
@@ -411,6 +411,17 @@ TEST_F(EditRequestInputTest, ARepeatedAttributeKeepsItsLastValue) {
         "targetAttributes":{"Status":"B"}})"));
     EXPECT_EQ(controller->getFromValues(), (AttributesMap{{"Status", "B"}}));
     EXPECT_TRUE(controller->getAttributesToEdit().empty());
+}
+
+TEST_F(EditRequestInputTest, OfComposedKeysThatCollapseAlikeTheOneLastInByteOrderWins) {
+    std::string request;
+    ASSERT_EQ(
+        composeSimpleTransitionJson("Part", {{"Status", "In Review"}},
+                                    {{"Status", "Released"}, {" Status", "In Work"}}, request),
+        1);
+    ASSERT_TRUE(parse(request));
+    EXPECT_EQ(controller->getToValues(),
+              (AttributesMap{{"Status", "Released"}, {"_file_upload_", "false"}}));
 }
 
 TEST_F(EditRequestInputTest, ValuesOfAttributesAreReadByName) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -41,9 +42,9 @@ std::set<std::string> possibleTimestamps(std::time_t from, std::time_t to) {
     for (std::time_t second = from; second <= to; ++second) {
         std::tm local{};
         localtime_r(&second, &local);
-        char text[100] = {};
-        std::strftime(text, sizeof text, "%d/%m/%Y %H:%M:%S", &local);
-        stamps.insert(text);
+        std::array<char, 100> text{};
+        std::strftime(text.data(), text.size(), "%d/%m/%Y %H:%M:%S", &local);
+        stamps.insert(text.data());
     }
     return stamps;
 }

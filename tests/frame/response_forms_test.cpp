@@ -356,6 +356,42 @@ TEST(ResponseFormsReader, KeysDifferingOnlyInWhiteSpaceBecomeOneEntry) {
               (StringMap{{"ResultComment", ""}, {"k", "2"}}));
 }
 
+// A keyword that differs from "Result" only in white space is written as a
+// second "Result" member, in front of the real one or behind it by byte order,
+// and the reader takes the later one.
+std::string approvedWithStrayResultKeyword(const std::string& keyword) {
+    TOVResponse writer;
+    writer.setGeneralResult(true);
+    writer.setGeneralResultComment("Edit attempt approved");
+    writer.setCommentUnderKeyword(keyword, "Failure");
+    return writer.turnResponseIntoASingleString();
+}
+
+// The general result that reading `text` leaves in a record whose result
+// stood at `before`, so that a test sees what the reading set.
+bool resultReadBack(const std::string& text, bool before) {
+    TOVResponse reader;
+    reader.setGeneralResult(before);
+    EXPECT_TRUE(reader.fillResponseFromASingleString(text.c_str()));
+    EXPECT_EQ(reader.getStringStringMapOfResponse(),
+              (StringMap{{"ResultComment", "Edit attempt approved"}}));
+    return reader.getGeneralResult();
+}
+
+TEST(ResponseFormsReader, ResultKeywordWithLeadingBlankIsOverruledByTheRealResult) {
+    const std::string text = approvedWithStrayResultKeyword(" Result");
+    EXPECT_EQ(text,
+              R"({"Result":"Failure","Result":"Success","ResultComment":"Edit attempt approved"})");
+    EXPECT_TRUE(resultReadBack(text, false));
+}
+
+TEST(ResponseFormsReader, ResultKeywordWithTrailingBlankOverrulesTheRealResult) {
+    const std::string text = approvedWithStrayResultKeyword("Result ");
+    EXPECT_EQ(text,
+              R"({"Result":"Success","Result":"Failure","ResultComment":"Edit attempt approved"})");
+    EXPECT_FALSE(resultReadBack(text, true));
+}
+
 TEST(ResponseFormsReader, LaterDuplicateMemberWins) {
     TOVResponse reader;
     EXPECT_TRUE(reader.fillResponseFromASingleString(

@@ -100,6 +100,7 @@ TEST(ResponseRecord, MoveConstructionEmptiesTheSourceMap) {
     EXPECT_EQ(target.getStringStringMapOfResponse(),
               (std::map<std::string, std::string>{{"K", "v"}, {"ResultComment", "moved"}}));
     // A moved-from response keeps an empty map, which callers may rely on.
+    // NOLINTNEXTLINE(bugprone-use-after-move): the moved-from state is what is tested.
     EXPECT_TRUE(source.getStringStringMapOfResponse().empty());
     EXPECT_TRUE(source.getGeneralResult());
 }
@@ -116,6 +117,7 @@ TEST(ResponseRecord, MoveAssignmentEmptiesTheSourceMap) {
     EXPECT_EQ(target.getStringStringMapOfResponse(),
               (std::map<std::string, std::string>{{"K", "v"}, {"ResultComment", ""}}));
     // A moved-from response keeps an empty map, which callers may rely on.
+    // NOLINTNEXTLINE(bugprone-use-after-move): the moved-from state is what is tested.
     EXPECT_TRUE(source.getStringStringMapOfResponse().empty());
 }
 

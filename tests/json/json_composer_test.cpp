@@ -222,6 +222,17 @@ TEST(JsonComposerTransition, ObjectTypeIsEscaped) {
     EXPECT_EQ(json, R"({"objectType":"a\"b","initialAttributes":{},"targetAttributes":{"a":"1"}})");
 }
 
+// A host's keys are collapsed after its map ordered them, so two that differ
+// only in white space meet under one name; nothing merges them.
+TEST(JsonComposerTransition, TargetKeysDifferingOnlyInWhiteSpaceGiveTwoMembers) {
+    std::string json;
+    EXPECT_EQ(composeSimpleTransitionJson("Part", {{"Status", "In Review"}},
+                                          {{"Status", "Released"}, {" Status", "In Work"}}, json),
+              1);
+    EXPECT_EQ(json, R"({"objectType":"Part","initialAttributes":{"Status":"In Review"},)"
+                    R"("targetAttributes":{"Status":"In Work","Status":"Released"}})");
+}
+
 // --- composeConflictResolutionsOptionsJson ---
 
 TEST(JsonComposerOptions, ComposesFourMembersWithBool) {

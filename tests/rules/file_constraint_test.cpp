@@ -174,6 +174,7 @@ TEST(FileConstraintPredicate, CopyKeepsTheConstraint) {
     const TOVFileConstraint original("Part", "A", "X", "Y", "FORBIDDEN");
     TOVFileConstraint assigned;
     assigned = original;
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is tested.
     const TOVFileConstraint copied(original);
     const AttributesMap target = {{"A", "Y"}, {"_file_upload_", "true"}};
     EXPECT_TRUE(copied.shouldTransitionBeForbidden({{"A", "X"}}, target));

@@ -185,6 +185,7 @@ TEST(VersioningSelectionPredicate, OptionsKeepTheirOrderAndCopiesAreEqual) {
     const TOVVersioningSelection rule("Part", "Status", {"x"}, {"Version", "Revision", "Version"});
     EXPECT_EQ(rule.getVersioningOptions(), (Strings{"Version", "Revision", "Version"}));
 
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is tested.
     const TOVVersioningSelection copy(rule);
     EXPECT_EQ(words(copy), words(rule));
     EXPECT_EQ(copy.getVersioningOptions(), rule.getVersioningOptions());
@@ -564,6 +565,7 @@ TEST(VersioningSelectionDocument, MissingKeywordsAreReported) {
     // Each rule lacks one necessary keyword or gives it empty.
     const std::vector<std::string> rules = {
         R"({"conditionValue1":["x"],"versioningOption":["R"]})",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one rule over two lines.
         R"({"conditionAttribute1":"","conditionValue1":["x"],)"
         R"("versioningOption":["R"]})",
         R"({"conditionAttribute1":"S","versioningOption":["R"]})",

@@ -1,6 +1,6 @@
 #include "tov/entry_points.h"
 
-#include "frame/TOVVemoFrontdesk.h"
+#include "api/TOVVemoFrontdesk.h"
 #include "frame/input_labels.h"
 #include "tov/vocabulary.h"
 

@@ -44,18 +44,6 @@ void TOVCoreDataControllers::clearContents() {
     ownsData = false;
 }
 
-TOVLifecycleBusinessRules* TOVCoreDataControllers::getRules() {
-    return rules;
-}
-
-TOV_DMStructure* TOVCoreDataControllers::getDmInfo() {
-    return dmInfo;
-}
-
-TOVLogger* TOVCoreDataControllers::getLogger() {
-    return logger;
-}
-
 namespace {
 // Process-wide instances: created on first use, deliberately never deleted.
 TOVLifecycleBusinessRules* mainRules = nullptr;

@@ -9,9 +9,12 @@
 #include "tov/TOVTransactionController.h"
 #include "tov/TOV_DMInfoInitializerController.h"
 
+// The installed declaration takes the input by value.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 TOVActionController* createProperController(TOVFunctionality functionality,
                                             std::map<std::string, std::string> labeledInput,
                                             TOVCoreDataControllers* coreData) {
+    // NOLINTEND(performance-unnecessary-value-param)
     switch (functionality) {
         case TOVFunctionality_InitializeRules:
             return new TOVInitializerController(labeledInput, coreData);

@@ -10,10 +10,7 @@ TOVTransactionController::TOVTransactionController(TOVFunctionality functionalit
 }
 
 TOVTransactionController& TOVTransactionController::operator=(
-    const TOVTransactionController& other) {
-    actionController = other.actionController;
-    return *this;
-}
+    const TOVTransactionController& other) = default;
 
 TOVTransactionController::~TOVTransactionController() {
     destroyProperController();
@@ -43,8 +40,4 @@ void TOVTransactionController::initializeProperController(
 void TOVTransactionController::destroyProperController() {
     delete actionController;
     actionController = nullptr;
-}
-
-TOVActionController* TOVTransactionController::getActionController() {
-    return actionController;
 }

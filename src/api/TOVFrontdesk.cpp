@@ -42,14 +42,6 @@ void TOVFrontdesk::printTitledStringToLog(const char* title, const std::string& 
     brain.getLogger()->printToLog(message.c_str());
 }
 
-TOVFunctionality TOVFrontdesk::getFunctionalityIdentifier() {
-    return functionalityIdentifier;
-}
-
 TOVCoreDataControllers* TOVFrontdesk::getTOVBrain() {
     return &brain;
-}
-
-std::map<std::string, std::string>& TOVFrontdesk::getLabeledInput() {
-    return labeledInput;
 }

@@ -5,6 +5,10 @@
 // tests check whichever of the two holds, exactly.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
@@ -13,6 +17,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/input_labels.h"
@@ -20,8 +25,10 @@
 #include "tov/TOVActionController.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVFunctionality.h"
+#include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVResponse.h"
 #include "tov/TOVTransactionController.h"
+#include "tov/TOV_DMStructure.h"
 #include "tov/entry_points.h"
 
 namespace {
@@ -52,7 +59,7 @@ std::ostream& operator<<(std::ostream& out, const RequestFunctionCase& request) 
     return out << request.name;
 }
 
-const RequestFunctionCase kRequestFunctions[] = {
+const std::vector<RequestFunctionCase> kRequestFunctions = {
     {"InitializeTOVRules", InitializeTOVRules, TOVFunctionality_InitializeRules, true, false,
      "\nInitializing TOV Rules input=", "Initializing TOV Rules result="},
     {"InitializeTOVRulesFromFile", InitializeTOVRulesFromFile, TOVFunctionality_InitializeRules,
@@ -435,6 +442,122 @@ TEST(EntryPointsLabels, EveryRequestKindHasItsExactLabel) {
     EXPECT_STREQ(kLabelConflictsResolutionOptionsQuery, "Conflicts_Resolution_Options_query_data");
     EXPECT_STREQ(kLabelLinkCreationData, "All_link_creation_values");
     EXPECT_STREQ(kLabelInputIsFilepath, "Input_is_filepath");
+}
+
+// ---------------------------------------------------------------------------
+// A path that is no regular file: refused at once, in the words of a path
+// that cannot be read.
+
+const char* const kUnreadableSingleString =
+    R"({"Result":"Failure","ResultComment":"Json has fundamental parsing error"})";
+
+std::vector<RequestFunctionCase> fromFileFunctions() {
+    std::vector<RequestFunctionCase> functions;
+    for (const RequestFunctionCase& request : kRequestFunctions) {
+        if (request.fromFile) {
+            functions.push_back(request);
+        }
+    }
+    return functions;
+}
+
+// Ends the test program if a call blocks, so that a regression fails the
+// suite instead of hanging it. Only async-signal-safe calls here.
+void giveUpOnABlockedCall(int /*signal*/) {
+    constexpr std::string_view message = "A call on a path that is no regular file blocked.\n";
+    const ssize_t ignored = write(STDERR_FILENO, message.data(), message.size());
+    static_cast<void>(ignored);
+    _exit(1);
+}
+
+class BlockedCallGuard : public ::testing::Test {
+protected:
+    static constexpr unsigned kSecondsBeforeGivingUp = 10;
+
+    void SetUp() override {
+        std::signal(SIGALRM, giveUpOnABlockedCall);
+        alarm(kSecondsBeforeGivingUp);
+    }
+
+    void TearDown() override {
+        alarm(0);
+        std::signal(SIGALRM, SIG_DFL);
+    }
+};
+
+class EntryPointsNonRegularFileTest : public BlockedCallGuard,
+                                      public ::testing::WithParamInterface<RequestFunctionCase> {
+protected:
+    void SetUp() override {
+        BlockedCallGuard::SetUp();
+        ASSERT_FALSE(scratch.path().empty());
+        coreData.initializeByMalloc();
+        setTOVLoggingFolder("", &coreData);
+    }
+
+    std::string answerFor(const std::string& path) {
+        return GetParam().function(path, &coreData).turnResponseIntoASingleString();
+    }
+
+    const tovtest::TempFolder scratch;
+    TOVCoreDataControllers coreData;
+};
+
+TEST_P(EntryPointsNonRegularFileTest, PathThatDoesNotExistIsUnreadable) {
+    EXPECT_EQ(answerFor(scratch.path() + "/absent.json"), kUnreadableSingleString);
+}
+
+TEST_P(EntryPointsNonRegularFileTest, FifoWithoutWriterIsRefusedAtOnce) {
+    const std::string fifo = scratch.path() + "/request.fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(answerFor(fifo), kUnreadableSingleString);
+}
+
+TEST_P(EntryPointsNonRegularFileTest, EndlessDeviceIsRefused) {
+    EXPECT_EQ(answerFor("/dev/zero"), kUnreadableSingleString);
+}
+
+TEST_P(EntryPointsNonRegularFileTest, FolderIsRefused) {
+    EXPECT_EQ(answerFor(scratch.path()), kUnreadableSingleString);
+}
+
+TEST_P(EntryPointsNonRegularFileTest, SymbolicLinkToARegularFileIsFollowed) {
+    const tovtest::TempFile request("[]");
+    const std::string link = scratch.path() + "/link.json";
+    ASSERT_EQ(symlink(request.path.c_str(), link.c_str()), 0);
+    // The file is read: its root is no object, which gives the same words.
+    EXPECT_EQ(answerFor(link), kUnreadableSingleString);
+}
+
+INSTANTIATE_TEST_SUITE_P(EntryPoints, EntryPointsNonRegularFileTest,
+                         ::testing::ValuesIn(fromFileFunctions()),
+                         [](const ::testing::TestParamInfo<RequestFunctionCase>& info) {
+                             return std::string(info.param.name);
+                         });
+
+using EntryPointsNonRegularFileLoads = BlockedCallGuard;
+
+TEST_F(EntryPointsNonRegularFileLoads, FifoEmptiesTheStoresLikeAnyFailedLoad) {
+    const tovtest::TempFolder scratch;
+    ASSERT_FALSE(scratch.path().empty());
+    const std::string fifo = scratch.path() + "/document.fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const tovtest::TempFile rules(
+        R"({"transitions":{"Part":[{"attribute":"Status","fromValue":"A","toValue":["B"]}]}})");
+    const tovtest::TempFile dmInfo(
+        R"({"OverwriteLabel":"Overwrite","structureObjects":[{"name":"Part",)"
+        R"("dmObjectType":"DMITEM","attributes":[{"name":"Number","type":"REGULAR",)"
+        R"("primary":true}]}]})");
+    tovtest::PrivateCore core;
+    ASSERT_TRUE(InitializeTOVRulesFromFile(rules.path, core.get()).getGeneralResult());
+    ASSERT_TRUE(InitializeTOV_DMInfoFromFile(dmInfo.path, core.get()).getGeneralResult());
+
+    EXPECT_EQ(InitializeTOVRulesFromFile(fifo, core.get()).turnResponseIntoASingleString(),
+              kUnreadableSingleString);
+    EXPECT_EQ(InitializeTOV_DMInfoFromFile(fifo, core.get()).turnResponseIntoASingleString(),
+              kUnreadableSingleString);
+    EXPECT_FALSE(core.rules()->existAnyRules());
+    EXPECT_FALSE(core.dmInfo()->existAnyInfo());
 }
 
 }  // namespace

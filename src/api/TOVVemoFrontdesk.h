@@ -1,5 +1,5 @@
-#ifndef TOV_FRAME_TOVVEMOFRONTDESK_H_
-#define TOV_FRAME_TOVVEMOFRONTDESK_H_
+#ifndef TOV_API_TOVVEMOFRONTDESK_H_
+#define TOV_API_TOVVEMOFRONTDESK_H_
 
 #include "tov/TOVFrontdesk.h"
 #include "tov/TOVResponse.h"
@@ -15,7 +15,7 @@ public:
 
     // Points the front desk at the caller's core data without owning it.
     void borrowData(TOVCoreDataControllers* coreData);
-    const TOVResponse& getResponse() const;
+    const TOVResponse& getResponse() const { return response; }
     // Logs the title followed by the response's single string in quotes.
     void printResponseToLog(const char* title, const TOVResponse& response);
 
@@ -23,4 +23,4 @@ private:
     TOVResponse response;
 };
 
-#endif  // TOV_FRAME_TOVVEMOFRONTDESK_H_
+#endif  // TOV_API_TOVVEMOFRONTDESK_H_

@@ -1,4 +1,4 @@
-#include "frame/TOVVemoFrontdesk.h"
+#include "api/TOVVemoFrontdesk.h"
 
 #include "tov/TOVTransactionController.h"
 
@@ -17,10 +17,6 @@ void TOVVemoFrontdesk::serveLabeledInput() {
 
 void TOVVemoFrontdesk::borrowData(TOVCoreDataControllers* coreData) {
     getTOVBrain()->borrowData(coreData);
-}
-
-const TOVResponse& TOVVemoFrontdesk::getResponse() const {
-    return response;
 }
 
 void TOVVemoFrontdesk::printResponseToLog(const char* title, const TOVResponse& result) {
