@@ -62,8 +62,16 @@ if(NOT step_output MATCHES "\\(SONAME\\)[ \t]+Library soname: \\[libtov\\.so\\.1
   message(FATAL_ERROR "libtov.so.1.1.0 has no SONAME libtov.so.1:\n${step_output}")
 endif()
 
-if(NOT EXISTS "${prefix}/include/tov/tov.h")
-  message(FATAL_ERROR "tov/tov.h is not installed")
+foreach(header tov.h version.h)
+  if(NOT EXISTS "${prefix}/include/tov/${header}")
+    message(FATAL_ERROR "tov/${header} is not installed")
+  endif()
+endforeach()
+
+# The shell completes the installed program's commands.
+set(completion "${prefix}/share/bash-completion/completions/tov")
+if(NOT EXISTS "${completion}")
+  message(FATAL_ERROR "share/bash-completion/completions/tov is not installed")
 endif()
 
 foreach(schema rules datamodel edit-request link-request options-query)
@@ -93,7 +101,8 @@ run_step("consumer build" "${CMAKE_COMMAND}" --build "${consumer_build}")
 run_step("consumer run (find_package)" "${consumer_build}/tov_host" "${SOURCE_DIR}/examples")
 message(STATUS "find_package consumer: ${step_output}")
 
-# 2. Through pkg-config, with no help: the file finds its prefix from its own place.
+# 2. Through pkg-config, with no help: the file finds its prefix from its own
+# place. The file names no language standard, so a host of a later one builds.
 file(GLOB_RECURSE pc_files LIST_DIRECTORIES false "${prefix}/lib*/pkgconfig/tov.pc")
 list(LENGTH pc_files count)
 if(NOT count EQUAL 1)
@@ -109,10 +118,100 @@ endif()
 run_step("pkg-config flags" "${CMAKE_COMMAND}" -E env "PKG_CONFIG_PATH=${pc_dir}"
   pkg-config --cflags --libs tov)
 string(STRIP "${step_output}" pc_flags)
+if(pc_flags MATCHES "-std=")
+  message(FATAL_ERROR "tov.pc imposes a language standard: ${pc_flags}")
+endif()
 separate_arguments(pc_flags UNIX_COMMAND "${pc_flags}")
 separate_arguments(extra_flags UNIX_COMMAND "${cxx_flags} ${exe_linker_flags}")
-run_step("pkg-config compile" "${cxx}" "${consumer_source}/main.cpp"
+run_step("pkg-config compile" "${cxx}" -std=c++20 "${consumer_source}/main.cpp"
   ${pc_flags} ${extra_flags} -o "${WORK_DIR}/tov_host_pc")
 run_step("consumer run (pkg-config)" "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${libdir}"
   "${WORK_DIR}/tov_host_pc" "${SOURCE_DIR}/examples")
 message(STATUS "pkg-config consumer: ${step_output}")
+
+# 3. Hosts in other languages, through the C interface: a C program built with
+# examples/c_host/CMakeLists.txt and the installed Python package each evaluate
+# every example request and must print exactly what the installed tov eval prints.
+if(NOT EXISTS "${prefix}/include/tov/tov_c.h")
+  message(FATAL_ERROR "tov/tov_c.h is not installed")
+endif()
+include("${SOURCE_DIR}/cmake/example_scenario.cmake")
+tov_scenario_steps("${SOURCE_DIR}/examples/scenario.json" steps)
+set(examples "${SOURCE_DIR}/examples")
+set(documents "${examples}/rules.json" "${examples}/datamodel.json")
+set(requests)
+set(tov_eval_output "")
+list(LENGTH steps step_words)
+math(EXPR last "${step_words} - 1")
+foreach(i RANGE 0 ${last} 2)
+  math(EXPR j "${i} + 1")
+  list(GET steps ${i} kind)
+  list(GET steps ${j} name)
+  set(request "${examples}/requests/${name}.json")
+  list(APPEND requests "${kind}" "${request}")
+  if(build_tools)
+    # tov eval exits 1 or 3 for a refusal, so only its output is judged here.
+    execute_process(COMMAND "${prefix}/bin/tov" eval "${kind}" --rules "${examples}/rules.json"
+        --dm "${examples}/datamodel.json" "${request}"
+      OUTPUT_VARIABLE answer ERROR_QUIET)
+  else()
+    file(READ "${examples}/expected/${name}.out" answer)
+  endif()
+  string(APPEND tov_eval_output "${answer}")
+endforeach()
+
+# Anything that prints the answers must print them exactly so.
+function(expect_tov_eval_output what output)
+  if(NOT output STREQUAL tov_eval_output)
+    message(FATAL_ERROR "${what} does not print what tov eval prints:\n${output}\n"
+      "expected:\n${tov_eval_output}")
+  endif()
+endfunction()
+
+read_main_cache(CMAKE_C_COMPILER c_compiler)
+read_main_cache(CMAKE_C_FLAGS c_flags)
+execute_process(COMMAND "${c_compiler}" --version OUTPUT_VARIABLE c_compiler_version)
+# A sanitized library needs the C++ parts of the sanitizer runtimes, which
+# Clang's C driver leaves out (see cmake/c_programs.cmake).
+set(c_host_linker_flags "${exe_linker_flags}")
+if(c_compiler_version MATCHES "clang" AND c_flags MATCHES "-fsanitize=")
+  string(APPEND c_host_linker_flags " -fsanitize-link-c++-runtime -lstdc++")
+endif()
+set(c_host_build "${WORK_DIR}/c-host-build")
+run_step("C host configure" "${CMAKE_COMMAND}"
+  -S "${SOURCE_DIR}/examples/c_host" -B "${c_host_build}" -G Ninja
+  "-DCMAKE_MAKE_PROGRAM=${make_program}"
+  "-DCMAKE_C_COMPILER=${c_compiler}"
+  "-DCMAKE_C_FLAGS=-Wall -Wextra -Wpedantic -Werror ${c_flags}"
+  "-DCMAKE_EXE_LINKER_FLAGS=${c_host_linker_flags}"
+  -DCMAKE_BUILD_TYPE=Release
+  "-DCMAKE_PREFIX_PATH=${prefix}")
+run_step("C host build" "${CMAKE_COMMAND}" --build "${c_host_build}")
+run_step("C host run" "${c_host_build}/tov_c_host" ${documents} ${requests})
+expect_tov_eval_output("the C host" "${step_output}")
+
+# The installed Python package finds the installed library by itself.
+read_main_cache(TOV_INSTALL_PYTHON install_python)
+if(install_python)
+  read_main_cache(TOV_PYTHON_INSTALL_DIR python_dir)
+  if(NOT IS_ABSOLUTE "${python_dir}")
+    set(python_dir "${prefix}/${python_dir}")
+  endif()
+  foreach(file __init__.py _engine.py _library.py _texts.py _install_location.py py.typed)
+    if(NOT EXISTS "${python_dir}/tov/${file}")
+      message(FATAL_ERROR "${python_dir}/tov/${file} is not installed")
+    endif()
+  endforeach()
+  read_main_cache(Python3_EXECUTABLE python)
+  set(python_environment --unset=TOV_LIBRARY --unset=LD_LIBRARY_PATH "PYTHONPATH=${python_dir}"
+    PYTHONDONTWRITEBYTECODE=1)
+  # A sanitized library needs its runtime loaded before the interpreter.
+  if(cxx_flags MATCHES "-fsanitize=address")
+    execute_process(COMMAND "${cxx}" -print-file-name=libclang_rt.asan-x86_64.so
+      OUTPUT_VARIABLE asan_runtime OUTPUT_STRIP_TRAILING_WHITESPACE)
+    list(APPEND python_environment "LD_PRELOAD=${asan_runtime}" "ASAN_OPTIONS=detect_leaks=0")
+  endif()
+  run_step("Python host run" "${CMAKE_COMMAND}" -E env ${python_environment}
+    "${python}" "${SOURCE_DIR}/examples/python/evaluate.py" ${documents} ${requests})
+  expect_tov_eval_output("the Python package" "${step_output}")
+endif()

@@ -1,0 +1,99 @@
+// The C interface: plain C types in and out, and no exception crosses it.
+#include "tov/tov_c.h"
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "c_api/answers.h"
+#include "c_api/log_setting.h"
+#include "c_api/request_kinds.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/entry_points.h"
+
+struct tov_engine {
+    TOVCoreDataControllers core;
+};
+
+namespace {
+
+std::string unknownKindComment(const char* kind) {
+    return std::string("Unknown request kind \"") + kind + "\": expected " +
+           tov_c::requestKindNamesInWords();
+}
+
+char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inputIsPath) noexcept {
+    return tov_c::answerForHost([&]() -> std::string {
+        if (engine == nullptr) {
+            return tov_c::failureAnswer("No engine given (NULL)");
+        }
+        if (kind == nullptr) {
+            return tov_c::failureAnswer("No request kind given (NULL)");
+        }
+        if (input == nullptr) {
+            return tov_c::failureAnswer(inputIsPath ? "No request file path given (NULL)"
+                                                    : "No request text given (NULL)");
+        }
+        const tov_c::RequestKind* found = tov_c::findRequestKind(kind);
+        if (found == nullptr) {
+            return tov_c::failureAnswer(unknownKindComment(kind));
+        }
+        const tov_c::EntryPoint entryPoint = inputIsPath ? found->fromFile : found->fromText;
+        return entryPoint(input, &engine->core).turnResponseIntoASingleString();
+    });
+}
+
+}  // namespace
+
+tov_engine* tov_engine_new(void) {
+    try {
+        auto engine = std::make_unique<tov_engine>();
+        engine->core.initializeByMalloc();
+        setTOVLoggingFolder("", &engine->core);
+        return engine.release();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+void tov_engine_free(tov_engine* engine) {
+    delete engine;
+}
+
+char* tov_evaluate(tov_engine* engine, const char* kind, const char* json_text) {
+    return evaluate(engine, kind, json_text, false);
+}
+
+char* tov_evaluate_file(tov_engine* engine, const char* kind, const char* path) {
+    return evaluate(engine, kind, path, true);
+}
+
+void tov_string_free(char* text) {
+    std::free(text);
+}
+
+int tov_set_log(tov_engine* engine, const char* where) {
+    if (engine == nullptr || where == nullptr) {
+        return TOV_LOG_NULL_ARGUMENT;
+    }
+    try {
+        std::string libraryFolder;
+        std::string unused;  // the status code tells the host enough
+        if (!tov_c::libraryLogSetting(where, libraryFolder, unused)) {
+            return TOV_LOG_UNUSABLE_FOLDER;
+        }
+        setTOVLoggingFolder(libraryFolder, &engine->core);
+        return TOV_LOG_OK;
+    } catch (...) {
+        return TOV_LOG_OUT_OF_MEMORY;
+    }
+}
+
+const char* tov_version(void) {
+    try {
+        static const std::string version = GetTOVVersion();
+        return version.c_str();
+    } catch (...) {
+        return "";  // only if the first call ran out of memory; a later one tries again
+    }
+}
