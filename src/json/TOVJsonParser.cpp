@@ -1,6 +1,8 @@
 #include "json/TOVJsonParser.h"
 
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include <rapidjson/istreamwrapper.h>
 
@@ -8,19 +10,18 @@
 
 namespace {
 const char* const kFundamentalParsingError = "Json has fundamental parsing error";
+
+// Only a regular file is opened: a FIFO without a writer would block the call,
+// and a device or a folder holds no document. Symbolic links are followed.
+bool isRegularFile(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error);
+}
 }  // namespace
 
 TOVJsonParser::TOVJsonParser() : parsingResult(true) {}
 
 TOVJsonParser::~TOVJsonParser() = default;
-
-std::string TOVJsonParser::getParsingErrorComment() const {
-    return parsingErrorComment;
-}
-
-bool TOVJsonParser::getParsingResult() const {
-    return parsingResult;
-}
 
 std::string TOVJsonParser::getRuleName() {
     return "Lifecycle Business";
@@ -29,9 +30,10 @@ std::string TOVJsonParser::getRuleName() {
 void TOVJsonParser::getAllNecessaryKeywords(std::vector<std::string>& /*keywords*/) {}
 
 bool TOVJsonParser::acceptParsedDocument(const rapidjson::Document& document) {
-    if (!document.HasParseError() && document.IsObject()) {
-        return true;
-    }
+    return (!document.HasParseError() && document.IsObject()) || failFundamentally();
+}
+
+bool TOVJsonParser::failFundamentally() {
     setParsingResult(false);
     setParsingErrorComment(kFundamentalParsingError);
     return false;
@@ -39,11 +41,12 @@ bool TOVJsonParser::acceptParsedDocument(const rapidjson::Document& document) {
 
 bool TOVJsonParser::fillJsonDocumentFromJsonFile(const std::string& path,
                                                  rapidjson::Document& document) {
-    std::ifstream stream(path, std::ios::in | std::ios::binary);
+    std::ifstream stream;
+    if (isRegularFile(path)) {
+        stream.open(path, std::ios::in | std::ios::binary);
+    }
     if (!stream.is_open()) {
-        setParsingResult(false);
-        setParsingErrorComment(kFundamentalParsingError);
-        return false;
+        return failFundamentally();
     }
     rapidjson::IStreamWrapper wrapper(stream);
     document.ParseStream<kTOVParseFlags>(wrapper);
@@ -176,12 +179,16 @@ void TOVJsonParser::setParsingErrorComment(const char* text) {
     parsingErrorComment = text == nullptr ? "" : text;
 }
 
-void TOVJsonParser::setParsingResult(bool result) {
-    parsingResult = result;
-}
-
 void TOVJsonParser::updateParsingResult(bool result) {
     parsingResult = parsingResult && result;
+}
+
+bool TOVJsonParser::failWith(const std::string& message) {
+    // Through the C string, as every message is recorded: a name with a zero
+    // byte inside is cut there.
+    appendToParsingErrorComment(message.c_str());
+    setParsingResult(false);
+    return false;
 }
 
 std::string TOVJsonParser::ruleNameWithSeparator() {
@@ -189,100 +196,89 @@ std::string TOVJsonParser::ruleNameWithSeparator() {
     return name + (!name.empty() && name.back() == ':' ? " " : ": ");
 }
 
-void TOVJsonParser::setAttributeValueBoolParsingError(const std::string& owner,
-                                                      const std::string& attribute) {
+std::string TOVJsonParser::attributeValueBoolParsingError(const std::string& owner,
+                                                          const std::string& attribute) {
     std::string message = getRuleName() + " value for " + attribute;
     if (!owner.empty()) {
         message += " of " + owner;
     }
     message += " should be a boolean.";
-    appendToParsingErrorComment(message.c_str());
+    return message;
 }
 
-void TOVJsonParser::setAttributeValueStringParsingError(const std::string& owner,
-                                                        const std::string& attribute) {
+std::string TOVJsonParser::attributeValueStringParsingError(const std::string& owner,
+                                                            const std::string& attribute) {
     std::string message = getRuleName() + " value for " + attribute;
     if (!owner.empty()) {
         message += " of " + owner;
     }
     message += " should be a string.";
-    appendToParsingErrorComment(message.c_str());
+    return message;
 }
 
-void TOVJsonParser::setAttributeValuesStringListParsingError(const std::string& owner,
-                                                             const std::string& attribute) {
+std::string TOVJsonParser::attributeValuesStringListParsingError(const std::string& owner,
+                                                                 const std::string& attribute) {
     // " of " stands even for an empty owner, so two blanks may meet.
-    const std::string message = getRuleName() + " value for " + attribute + " of " + owner +
-                                " should be a List of strings.";
-    appendToParsingErrorComment(message.c_str());
+    return getRuleName() + " value for " + attribute + " of " + owner +
+           " should be a List of strings.";
 }
 
-void TOVJsonParser::setErrorParsingTheKeysValuesMapOfAttribute(const std::string& attribute) {
+std::string TOVJsonParser::errorParsingTheKeysValuesMapOfAttribute(const std::string& attribute) {
     std::string message = ruleNameWithSeparator() + "parsing error on keys - values";
     if (!attribute.empty()) {
         message += " of " + attribute;
     }
     message += ".";
-    appendToParsingErrorComment(message.c_str());
+    return message;
 }
 
-void TOVJsonParser::setImmediateContentsShouldBeMapParsingError() {
-    const std::string message =
-        getRuleName() + " immediate contents should be a map of keys - values.";
-    appendToParsingErrorComment(message.c_str());
+std::string TOVJsonParser::immediateContentsShouldBeMapParsingError() {
+    return getRuleName() + " immediate contents should be a map of keys - values.";
 }
 
-void TOVJsonParser::setJsonSectionNotAListError(const std::string& section) {
-    const std::string message = ruleNameWithSeparator() + section + " should be in a List.";
-    appendToParsingErrorComment(message.c_str());
+std::string TOVJsonParser::jsonSectionNotAListError(const std::string& section) {
+    return ruleNameWithSeparator() + section + " should be in a List.";
 }
 
-void TOVJsonParser::setJsonSectionNotAMapError(const std::string& section) {
-    const std::string message =
-        ruleNameWithSeparator() + section + " should be a map of keys-values.";
-    appendToParsingErrorComment(message.c_str());
+std::string TOVJsonParser::jsonSectionNotAMapError(const std::string& section) {
+    return ruleNameWithSeparator() + section + " should be a map of keys-values.";
 }
 
-void TOVJsonParser::setNotAllNecessaryKeywordsFoundParsingError(const std::string& owner) {
+std::string TOVJsonParser::notAllNecessaryKeywordsFoundParsingError(const std::string& owner) {
     std::vector<std::string> keywords;
     getAllNecessaryKeywords(keywords);
     if (keywords.empty()) {
-        return;
+        return "";
     }
     std::string message = getRuleName();
     if (!owner.empty()) {
         message += " for " + owner;
     }
     message += " demands ALL keywords: " + createCommaSeparatedListOfStrings(keywords);
-    appendToParsingErrorComment(message.c_str());
+    return message;
 }
 
-void TOVJsonParser::setObjectListedRuleNotAMapError(const std::string& owner) {
-    const std::string message = getRuleName() + " in list for " + owner + " should be a map.";
-    appendToParsingErrorComment(message.c_str());
+std::string TOVJsonParser::objectListedRuleNotAMapError(const std::string& owner) {
+    return getRuleName() + " in list for " + owner + " should be a map.";
 }
 
-void TOVJsonParser::setObjectRulesNotAListError(const std::string& owner) {
+std::string TOVJsonParser::objectRulesNotAListError(const std::string& owner) {
     std::string message = getRuleName() + "s";
     if (!owner.empty()) {
         message += " for " + owner;
     }
     message += " should be in a List.";
-    appendToParsingErrorComment(message.c_str());
+    return message;
 }
 
 bool TOVJsonParser::readNecessaryAttributesSection(rapidjson::Value& root, const char* keyword,
                                                    AttributesMap& attributes) {
     rapidjson::Value section;
     if (!getJsonSection(root, keyword, section)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     if (!collectKeyValuesPairsFromSection(section, attributes)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(keyword);
-        setParsingResult(false);
-        return false;
+        return failWith(errorParsingTheKeysValuesMapOfAttribute(keyword));
     }
     return true;
 }
@@ -292,9 +288,7 @@ bool TOVJsonParser::readNecessaryStringSection(rapidjson::Value& root, const cha
     rapidjson::Value section;
     // A member of another type is as good as missing.
     if (!getJsonStringSection(root, keyword, section)) {
-        setNotAllNecessaryKeywordsFoundParsingError("");
-        setParsingResult(false);
-        return false;
+        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     return collectStringFromValue(section, text);
 }
@@ -305,16 +299,12 @@ bool TOVJsonParser::collectRuleKeywordsFromMap(const rapidjson::Value& ruleObjec
                                                std::vector<std::string>& values) {
     AttributesMap pairs;
     if (!collectKeyValuesPairsFromSection(ruleObject, pairs)) {
-        setErrorParsingTheKeysValuesMapOfAttribute(objectType);
-        setParsingResult(false);
-        return false;
+        return failWith(errorParsingTheKeysValuesMapOfAttribute(objectType));
     }
     for (const char* keyword : keywords) {
         std::string value;
         if (!getValueofKeywordFromStringStringMap(keyword, pairs, value)) {
-            setNotAllNecessaryKeywordsFoundParsingError(objectType);
-            setParsingResult(false);
-            return false;
+            return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
         }
         values.push_back(value);
     }

@@ -8,6 +8,7 @@
 
 #include <rapidjson/document.h>
 
+#include "tov/string_helpers.h"
 #include "tov/vocabulary.h"
 
 class TOVJsonParser {
@@ -18,8 +19,8 @@ public:
     virtual ~TOVJsonParser();
 
     // Every message so far, joined by "|".
-    std::string getParsingErrorComment() const;
-    bool getParsingResult() const;
+    std::string getParsingErrorComment() const { return parsingErrorComment; }
+    bool getParsingResult() const { return parsingResult; }
 
 protected:
     // The name that starts each message; "Lifecycle Business" unless overridden.
@@ -57,23 +58,65 @@ protected:
     char getCommentSeparator() const;
     void appendToParsingErrorComment(const char* text);
     void setParsingErrorComment(const char* text);
-    void setParsingResult(bool result);
+    void setParsingResult(bool result) { parsingResult = result; }
     // ANDs into the result, which therefore never goes back to true.
     void updateParsingResult(bool result);
 
-    // Message composers; none of them touches the result.
-    void setAttributeValueBoolParsingError(const std::string& owner, const std::string& attribute);
+    // Records `message` and fails the parse in one step, as every error site
+    // does; an empty message records nothing but still fails. Always false, so
+    // that a site can `return failWith(...)`.
+    bool failWith(const std::string& message);
+
+    // The message texts, each starting with the rule name.
+    std::string attributeValueBoolParsingError(const std::string& owner,
+                                               const std::string& attribute);
+    std::string attributeValueStringParsingError(const std::string& owner,
+                                                 const std::string& attribute);
+    std::string attributeValuesStringListParsingError(const std::string& owner,
+                                                      const std::string& attribute);
+    std::string errorParsingTheKeysValuesMapOfAttribute(const std::string& attribute);
+    std::string immediateContentsShouldBeMapParsingError();
+    std::string jsonSectionNotAListError(const std::string& section);
+    std::string jsonSectionNotAMapError(const std::string& section);
+    // Empty when the parser demands no keywords.
+    std::string notAllNecessaryKeywordsFoundParsingError(const std::string& owner);
+    std::string objectListedRuleNotAMapError(const std::string& owner);
+    std::string objectRulesNotAListError(const std::string& owner);
+
+    // Message composers: each appends its text and leaves the result alone.
+    void setAttributeValueBoolParsingError(const std::string& owner, const std::string& attribute) {
+        appendToParsingErrorComment(attributeValueBoolParsingError(owner, attribute).c_str());
+    }
     void setAttributeValueStringParsingError(const std::string& owner,
-                                             const std::string& attribute);
+                                             const std::string& attribute) {
+        appendToParsingErrorComment(attributeValueStringParsingError(owner, attribute).c_str());
+    }
     void setAttributeValuesStringListParsingError(const std::string& owner,
-                                                  const std::string& attribute);
-    void setErrorParsingTheKeysValuesMapOfAttribute(const std::string& attribute);
-    void setImmediateContentsShouldBeMapParsingError();
-    void setJsonSectionNotAListError(const std::string& section);
-    void setJsonSectionNotAMapError(const std::string& section);
-    void setNotAllNecessaryKeywordsFoundParsingError(const std::string& owner);
-    void setObjectListedRuleNotAMapError(const std::string& owner);
-    void setObjectRulesNotAListError(const std::string& owner);
+                                                  const std::string& attribute) {
+        appendToParsingErrorComment(
+            attributeValuesStringListParsingError(owner, attribute).c_str());
+    }
+    void setErrorParsingTheKeysValuesMapOfAttribute(const std::string& attribute) {
+        appendToParsingErrorComment(errorParsingTheKeysValuesMapOfAttribute(attribute).c_str());
+    }
+    void setImmediateContentsShouldBeMapParsingError() {
+        appendToParsingErrorComment(immediateContentsShouldBeMapParsingError().c_str());
+    }
+    void setJsonSectionNotAListError(const std::string& section) {
+        appendToParsingErrorComment(jsonSectionNotAListError(section).c_str());
+    }
+    void setJsonSectionNotAMapError(const std::string& section) {
+        appendToParsingErrorComment(jsonSectionNotAMapError(section).c_str());
+    }
+    void setNotAllNecessaryKeywordsFoundParsingError(const std::string& owner) {
+        appendToParsingErrorComment(notAllNecessaryKeywordsFoundParsingError(owner).c_str());
+    }
+    void setObjectListedRuleNotAMapError(const std::string& owner) {
+        appendToParsingErrorComment(objectListedRuleNotAMapError(owner).c_str());
+    }
+    void setObjectRulesNotAListError(const std::string& owner) {
+        appendToParsingErrorComment(objectRulesNotAListError(owner).c_str());
+    }
 
     // Runs `parseSection(args...)` on a fresh parser of each section, in the
     // order given and every one whatever the others gave, and copies each
@@ -90,6 +133,14 @@ protected:
     // ends the section.
     template <typename ReadRule>
     bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule);
+
+    // The same for a kind whose rules hold strings only: reads the values of
+    // `keywords` in their order (see collectRuleKeywordsFromMap), turns an
+    // object type "ALL" into "<any>" and hands both to
+    // `appendRule(objectType, values)`.
+    template <typename AppendRule>
+    bool parseStringRulesSection(rapidjson::Value& root, const char* sectionKeyword,
+                                 const std::vector<const char*>& keywords, AppendRule&& appendRule);
 
     // A necessary section that is an object of strings, such as the initial or
     // the target attributes of a request. A missing member, or one of another
@@ -113,6 +164,8 @@ protected:
 
 private:
     bool acceptParsedDocument(const rapidjson::Document& document);
+    // Replaces the comment with the one message for input that is no JSON object.
+    bool failFundamentally();
     // ": " behind the rule name, or " " when the name already ends in a colon.
     std::string ruleNameWithSeparator();
 
@@ -143,15 +196,11 @@ bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectio
     for (auto& member : section.GetObject()) {
         std::string objectType = getMemberName(member.name);
         if (!member.value.IsArray()) {
-            setObjectRulesNotAListError(objectType);
-            setParsingResult(false);
-            return false;
+            return failWith(objectRulesNotAListError(objectType));
         }
         for (auto& ruleObject : member.value.GetArray()) {
             if (!ruleObject.IsObject()) {
-                setObjectListedRuleNotAMapError(objectType);
-                setParsingResult(false);
-                return false;
+                return failWith(objectListedRuleNotAMapError(objectType));
             }
             if (!readRule(ruleObject, objectType)) {
                 return false;
@@ -159,6 +208,22 @@ bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectio
         }
     }
     return true;
+}
+
+template <typename AppendRule>
+bool TOVJsonParser::parseStringRulesSection(rapidjson::Value& root, const char* sectionKeyword,
+                                            const std::vector<const char*>& keywords,
+                                            AppendRule&& appendRule) {
+    return parseRulesSection(
+        root, sectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+            std::vector<std::string> values;
+            if (!collectRuleKeywordsFromMap(ruleObject, objectType, keywords, values)) {
+                return false;
+            }
+            changeAllToAny(objectType);
+            appendRule(objectType, values);
+            return true;
+        });
 }
 
 // The one set of parse flags: the default grammar, parsed iteratively so that

@@ -1,0 +1,83 @@
+// The tov program's batch line reader, over the example documents. The input
+// is cut into lines as the program cuts its input; each line is answered in
+// both output forms. Every answer must be one line of JSON holding an object,
+// and the program's own objects never repeat a key (the library's single
+// string may, for keys that differ only in white space, and a line's "id" is
+// handed back as it came).
+#include <rapidjson/document.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "batch_line.h"
+#include "fuzz_support.h"
+
+namespace {
+
+using tovcli::OutputFormat;
+
+// Walks `value` with a stack of its own, so that the answer's depth cannot
+// exhaust the fuzzer's, and fails on an object with two members of one name.
+void checkNoRepeatedKey(const rapidjson::Value& root, const std::string& answer) {
+    std::vector<const rapidjson::Value*> pending = {&root};
+    while (!pending.empty()) {
+        const rapidjson::Value* value = pending.back();
+        pending.pop_back();
+        if (value->IsArray()) {
+            for (const rapidjson::Value& element : value->GetArray()) {
+                pending.push_back(&element);
+            }
+        } else if (value->IsObject()) {
+            std::set<std::string_view> names;
+            for (const auto& member : value->GetObject()) {
+                const std::string_view name(member.name.GetString(), member.name.GetStringLength());
+                if (!names.insert(name).second) {
+                    tovfuzz::fail("repeated key \"" + std::string(name) + "\" in " + answer);
+                }
+                // The line's own "id" comes back as the line gave it.
+                if (value != &root || name != "id") {
+                    pending.push_back(&member.value);
+                }
+            }
+        }
+    }
+}
+
+void checkAnswer(const tovcli::BatchAnswer& answer, OutputFormat format) {
+    if (answer.text.find('\n') != std::string::npos) {
+        tovfuzz::fail("an answer of more than one line: " + answer.text);
+    }
+    rapidjson::Document parsed;
+    parsed.Parse<rapidjson::kParseIterativeFlag>(answer.text.c_str(), answer.text.size());
+    if (parsed.HasParseError() || !parsed.IsObject()) {
+        tovfuzz::fail("an answer that is no JSON object: " + answer.text);
+    }
+    if (format == OutputFormat::kJson || !answer.wasRequest) {
+        checkNoRepeatedKey(parsed, answer.text);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input = tovfuzz::asText(data, size);
+    std::size_t lineNumber = 0;
+    std::size_t start = 0;
+    while (start <= input.size()) {
+        const std::size_t end = std::min(input.find('\n', start), input.size());
+        const std::string line = input.substr(start, end - start);
+        ++lineNumber;
+        for (const OutputFormat format : {OutputFormat::kText, OutputFormat::kJson}) {
+            checkAnswer(
+                tovcli::answerBatchLine(line, lineNumber, tovfuzz::exampleCoreData(), format),
+                format);
+        }
+        start = end + 1;
+    }
+    return 0;
+}
