@@ -1,18 +1,16 @@
 // tov batch: JSON Lines of requests in, one answer line out per input line, in
-// input order, evaluated by workers that each own a core data.
-#include <rapidjson/document.h>
-#include <rapidjson/error/en.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
+// input order, evaluated by workers that share one loaded store.
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <filesystem>
 #include <iostream>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -22,6 +20,8 @@
 #include <utility>
 #include <vector>
 
+#include "answers.h"
+#include "batch_line.h"
 #include "commands.h"
 #include "progress_bar.h"
 #include "request_kinds.h"
@@ -34,81 +34,14 @@ namespace {
 // to keep every worker busy while bounding memory on a large input.
 constexpr std::size_t kLinesInFlightPerJob = 64;
 
-struct BatchOptions {
-    DocumentPaths documents;
+struct BatchOptions : DocumentCommandOptions {
     std::string requestsPath;  // empty or "-": standard input
     unsigned jobs = 1;
-    std::string log = "off";
 };
 
 unsigned defaultJobs() {
     const unsigned threads = std::thread::hardware_concurrency();
     return threads == 0 ? 1 : threads;
-}
-
-std::string errorLine(std::size_t lineNumber, const std::string& message) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
-    writer.StartObject();
-    writer.Key("line");
-    writer.Uint64(lineNumber);
-    writer.Key("error");
-    writer.String(message.c_str(), static_cast<rapidjson::SizeType>(message.size()));
-    writer.EndObject();
-    return buffer.GetString();
-}
-
-bool isBlank(const std::string& line) {
-    return std::all_of(line.begin(), line.end(),
-                       [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
-}
-
-// The answer to one input line: the response's single-string form for a
-// request, an error object otherwise. `wasRequest` tells which.
-std::string answerLine(const std::string& line, std::size_t lineNumber, PrivateCore& core,
-                       bool& wasRequest) {
-    wasRequest = false;
-    if (isBlank(line)) {
-        return errorLine(lineNumber, "empty line");
-    }
-    rapidjson::Document parsed;
-    // Iterative, so that a deeply nested line cannot overflow the stack.
-    parsed.Parse<rapidjson::kParseIterativeFlag>(line.c_str(), line.size());
-    if (parsed.HasParseError()) {
-        return errorLine(lineNumber, std::string("not JSON: ") +
-                                         rapidjson::GetParseError_En(parsed.GetParseError()) +
-                                         " (column " + std::to_string(parsed.GetErrorOffset() + 1) +
-                                         ")");
-    }
-    if (!parsed.IsObject()) {
-        return errorLine(lineNumber, "not a JSON object");
-    }
-    const auto kind = parsed.FindMember("kind");
-    if (kind == parsed.MemberEnd()) {
-        return errorLine(lineNumber, "missing \"kind\"");
-    }
-    if (!kind->value.IsString()) {
-        return errorLine(lineNumber, "\"kind\" is not a string");
-    }
-    const std::string kindName(kind->value.GetString(), kind->value.GetStringLength());
-    const RequestKind* requestKind = findRequestKind(kindName);
-    if (requestKind == nullptr) {
-        return errorLine(
-            lineNumber, "unknown kind \"" + kindName + "\"; expected " + requestKindNamesInWords());
-    }
-    const auto request = parsed.FindMember("request");
-    if (request == parsed.MemberEnd()) {
-        return errorLine(lineNumber, "missing \"request\"");
-    }
-    if (!request->value.IsObject()) {
-        return errorLine(lineNumber, "\"request\" is not a JSON object");
-    }
-    rapidjson::StringBuffer requestText;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(requestText);
-    request->value.Accept(writer);
-    wasRequest = true;
-    return requestKind->evaluate(requestText.GetString(), core.get())
-        .turnResponseIntoASingleString();
 }
 
 struct Line {
@@ -167,8 +100,8 @@ public:
         bool wrote = false;
         for (auto next = ready.find(nextToWrite); next != ready.end();
              next = ready.find(nextToWrite)) {
-            std::fwrite(next->second.text.data(), 1, next->second.text.size(), stdout);
-            std::fputc('\n', stdout);
+            std::fwrite(next->second.text.data(), 1, next->second.text.size(), answers);
+            std::fputc('\n', answers);
             if (progress != nullptr) {
                 progress->advance(next->second.bytes);
             }
@@ -180,7 +113,7 @@ public:
             // Flushed whenever all that was read is answered, so that answers
             // to lines typed or piped slowly come out at once.
             if (nextToWrite == pushed) {
-                std::fflush(stdout);
+                std::fflush(answers);
             }
             roomAvailable.notify_all();
         }
@@ -198,6 +131,7 @@ private:
     };
 
     const std::size_t window;
+    std::FILE* const answers = answerStream();
     ProgressBar* progress = nullptr;
 
     std::mutex mutex;
@@ -211,77 +145,84 @@ private:
     std::size_t malformed = 0;
 };
 
-// Counts down once per worker that has loaded its documents.
-class StartLatch {
-public:
-    explicit StartLatch(std::size_t count) : remaining(count) {}
-    void arrive(bool loaded) {
-        std::lock_guard<std::mutex> lock(mutex);
-        allLoaded = allLoaded && loaded;
-        --remaining;
-        arrived.notify_all();
-    }
-    bool wait() {
-        std::unique_lock<std::mutex> lock(mutex);
-        arrived.wait(lock, [&] { return remaining == 0; });
-        return allLoaded;
-    }
-
-private:
-    std::mutex mutex;
-    std::condition_variable arrived;
-    std::size_t remaining;
-    bool allLoaded = true;
-};
-
-void work(std::unique_ptr<PrivateCore> core, const std::string& logFolder,
-          const std::vector<Document>& documents, StartLatch& latch, OrderedPipeline& pipeline) {
-    bool loaded = true;
-    if (core == nullptr) {
-        core = std::make_unique<PrivateCore>(logFolder);
-        for (const Document& document : documents) {
-            loaded = initializeFromDocument(document, *core).getGeneralResult() && loaded;
-        }
-    }
-    latch.arrive(loaded);
+// A worker borrows the loaded store: evaluations only read the rule store and
+// the data model, and the logger writes each line by itself.
+void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& pipeline) {
+    TOVCoreDataControllers core;
+    core.borrowData(loaded);
     while (std::optional<Line> line = pipeline.pop()) {
-        bool wasRequest = false;
-        std::string answer = answerLine(line->text, line->index + 1, *core, wasRequest);
-        pipeline.deliver(*line, std::move(answer), wasRequest);
+        BatchAnswer answer = answerBatchLine(line->text, line->index + 1, &core, format);
+        pipeline.deliver(*line, std::move(answer.text), answer.wasRequest);
     }
 }
 
-// Reads lines of any length, each without its line end ("\n" or "\r\n").
+// Reads lines of any length up to a limit, each without its line end ("\n"
+// or "\r\n").
 class LineReader {
 public:
-    explicit LineReader(std::FILE* input) : input(input) {}
-    ~LineReader() { std::free(buffer); }
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
+    LineReader(std::FILE* input, std::uint64_t maxLength) : input(input), maxLength(maxLength) {}
 
-    // False at the end of the input; `bytes` is the length as read.
-    bool next(std::string& text, std::size_t& bytes) {
-        const ssize_t got = ::getline(&buffer, &capacity, input);
-        if (got < 0) {
-            return false;
+    enum Outcome { kLine, kEnd, kTooLong, kReadError };
+
+    // `bytes` is the length as read, line end included.
+    Outcome next(std::string& text, std::size_t& bytes) {
+        text.clear();
+        bytes = 0;
+        int character = 0;
+        while ((character = getc_unlocked(input)) != EOF) {
+            ++bytes;
+            if (character == '\n') {
+                break;
+            }
+            if (text.size() == maxLength) {
+                return kTooLong;
+            }
+            text.push_back(static_cast<char>(character));
         }
-        bytes = static_cast<std::size_t>(got);
-        std::size_t length = bytes;
-        if (length > 0 && buffer[length - 1] == '\n') {
-            --length;
+        if (character == EOF) {
+            if (std::ferror(input) != 0) {
+                return kReadError;
+            }
+            if (bytes == 0) {
+                return kEnd;
+            }
         }
-        if (length > 0 && buffer[length - 1] == '\r') {
-            --length;
+        if (!text.empty() && text.back() == '\r') {
+            text.pop_back();
         }
-        text.assign(buffer, length);
-        return true;
+        return kLine;
     }
 
 private:
-    std::FILE* input;
-    char* buffer = nullptr;
-    std::size_t capacity = 0;
+    std::FILE* input;  // read by this thread alone
+    std::uint64_t maxLength;
 };
+
+// Feeds every line to the pipeline. Empty when the input was read to its end,
+// otherwise the message that tells why reading stopped.
+std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipeline& pipeline) {
+    LineReader reader(input, options.documents.maxInputSize);
+    std::string text;
+    std::size_t bytes = 0;
+    std::size_t index = 0;
+    while (true) {
+        const LineReader::Outcome outcome = reader.next(text, bytes);
+        if (outcome == LineReader::kEnd) {
+            return {};
+        }
+        if (outcome == LineReader::kReadError) {
+            return cannotRead(options.requestsPath, "requests", std::strerror(errno));
+        }
+        if (outcome == LineReader::kTooLong) {
+            return "line " + std::to_string(index + 1) + " of " +
+                   tooLarge(options.requestsPath, "requests", options.documents.maxInputSize);
+        }
+        if (index == 0 && text.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+            text.erase(0, 3);  // a byte order mark that some editors write
+        }
+        pipeline.push({index++, std::move(text), bytes});
+    }
+}
 
 int runBatch(const BatchOptions& options) {
     std::string logFolder;
@@ -290,7 +231,9 @@ int runBatch(const BatchOptions& options) {
         return kExitUsageOrInput;
     }
     std::string error;
-    std::FILE* input = openInput(options.requestsPath, "requests", error);
+    // The limit holds for each line; the requests as a whole may be any size.
+    std::FILE* input = openInput(options.requestsPath, "requests",
+                                 std::numeric_limits<std::uint64_t>::max(), error);
     if (input == nullptr) {
         std::cerr << "tov: " << error << "\n";
         return kExitUsageOrInput;
@@ -299,39 +242,14 @@ int runBatch(const BatchOptions& options) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closeInput(
         fromFile ? input : nullptr, [](std::FILE* file) { return std::fclose(file); });
 
-    // The first core data tells the faults of the documents once; the first
-    // worker then keeps it.
-    auto firstCore = std::make_unique<PrivateCore>(logFolder);
-    if (!loadDocuments(documents, *firstCore, false, std::cerr)) {
+    // One store for all workers, so that memory does not grow with --jobs.
+    PrivateCore core(logFolder);
+    if (!loadDocuments(documents, core, options.documents.maxInputSize, false, std::cerr)) {
         return kExitUsageOrInput;
     }
 
     const unsigned jobs = options.jobs;
     OrderedPipeline pipeline(kLinesInFlightPerJob * jobs);
-    StartLatch latch(jobs);
-    std::vector<std::thread> workers;
-    bool started = false;
-    {
-        // The other workers load the same documents; what the library prints
-        // about them was told already.
-        StdoutCapture quiet(StdoutCapture::kDiscard);
-        workers.emplace_back(work, std::move(firstCore), std::cref(logFolder), std::cref(documents),
-                             std::ref(latch), std::ref(pipeline));
-        for (unsigned i = 1; i < jobs; ++i) {
-            workers.emplace_back(work, nullptr, std::cref(logFolder), std::cref(documents),
-                                 std::ref(latch), std::ref(pipeline));
-        }
-        started = latch.wait();
-    }
-
-    if (!started) {
-        pipeline.close();
-        for (std::thread& worker : workers) {
-            worker.join();
-        }
-        std::cerr << "tov: a worker could not load the documents\n";
-        return kExitUsageOrInput;
-    }
     std::optional<ProgressBar> progress;
     std::error_code sizeError;
     const std::uintmax_t size =
@@ -340,25 +258,25 @@ int runBatch(const BatchOptions& options) {
         progress.emplace(size);
         pipeline.showProgressOn(&*progress);
     }
-
-    LineReader reader(input);
-    std::string text;
-    std::size_t bytes = 0;
-    std::size_t index = 0;
-    while (reader.next(text, bytes)) {
-        if (index == 0 && text.compare(0, 3, "\xEF\xBB\xBF") == 0) {
-            text.erase(0, 3);  // a byte order mark that some editors write
-        }
-        pipeline.push({index++, std::move(text), bytes});
+    std::vector<std::thread> workers;
+    workers.reserve(jobs);
+    for (unsigned i = 0; i < jobs; ++i) {
+        workers.emplace_back(work, core.get(), options.format, std::ref(pipeline));
     }
+
+    const std::string readError = feedLines(input, options, pipeline);
     pipeline.close();
     for (std::thread& worker : workers) {
         worker.join();
     }
-    std::fflush(stdout);
+    std::fflush(answerStream());
     const std::size_t malformed = pipeline.malformedLines();
     if (progress) {
         progress->finish(jobs, malformed);
+    }
+    if (!readError.empty()) {
+        std::cerr << "tov: " << readError << "\n";
+        return kExitUsageOrInput;
     }
     return malformed == 0 ? kExitSuccess : kExitFailure;
 }
@@ -377,30 +295,36 @@ Command addBatchCommand(CLI::App& program) {
     addDocumentOptions(*command, options->documents, true);
     command
         ->add_option("-j,--jobs", options->jobs,
-                     "Worker threads, each with its own core data (default: " +
+                     "Worker threads, sharing the loaded documents (default: " +
                          std::to_string(defaultJobs()) + ", the hardware threads)")
         ->type_name("N")
         ->check(CLI::Range(1u, 1024u));
     addLogOption(*command, options->log);
+    addFormatOption(*command, options->format);
     command->footer(helpText({
         "Input: one JSON object per line, {\"kind\": KIND, \"request\": {...}}, where KIND "
         "is one of " +
             requestKindNamesInWords() +
             " (as for eval) and the request is the request document itself; other members "
-            "are ignored.",
+            "are ignored, but for \"id\", which --format json carries back.",
         "Output (standard output): one line per input line, in input order. For a request, "
         "the response's single-string form, exactly as eval prints it, such as "
         "{\"Result\":\"Failure\",\"ResultComment\":\"Insufficient input data\"}. For a "
         "line that is no such object (empty, not JSON, not an object, an unknown or missing "
         "\"kind\", a missing \"request\" or one that is no object), an object such as "
         "{\"line\":3,\"error\":\"missing \\\"request\\\"\"} with the line number "
-        "counted from 1.",
+        "counted from 1. With --format json, each answer is the object that eval --format "
+        "json prints, led by the line's \"id\" when it has one (and error objects carry "
+        "it too).",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over two lines.
         "Standard error: the faults of documents that do not load, and, when it is a terminal "
         "and the requests come from a file, a progress bar.",
         "Exit status: 0 when every line was a request, whatever the answers; 1 when a line "
         "was not; 2 for bad arguments, unreadable files or documents that do not load "
-        "(nothing is evaluated then).",
+        "(nothing is evaluated then), and for requests that cannot be read to their end "
+        "(a read error, a line over the size limit: the lines before it are answered).",
         kLogHelp,
+        kMaxInputSizeHelp,
         "Example: tov batch --rules rules.json --dm datamodel.json --jobs 4 requests.jsonl",
     }));
     return {command, [options] { return runBatch(*options); }};

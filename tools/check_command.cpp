@@ -4,34 +4,42 @@
 #include <memory>
 
 #include "commands.h"
+#include "strict_checks.h"
 
 namespace tovcli {
 
 namespace {
 
-struct CheckOptions {
-    DocumentPaths documents;
-    std::string log = "off";
+struct CheckOptions : DocumentCommandOptions {
+    bool strict = false;
 };
 
 // A document that loads but holds nothing makes every evaluation fail, which
 // its author would rather hear now.
-void noteEmptyStores(const DocumentPaths& paths, PrivateCore& core) {
+void noteEmptyStores(const DocumentPaths& paths, PrivateCore& core,
+                     std::vector<Finding>& findings) {
     if (!paths.dataModelPath.empty() && !core.dataModel().existAnyInfo()) {
-        std::cout << paths.dataModelPath
-                  << ": note: no object types, so evaluations that need them will be "
-                     "refused with \"Uninitialized Dm Information\"\n";
+        findings.push_back({Finding::kNote,
+                            paths.dataModelPath,
+                            "structureObjects",
+                            {},
+                            "no object types, so evaluations that need them will be refused "
+                            "with \"Uninitialized Dm Information\""});
     }
     if (!core.rules().existAnyRules()) {
-        std::cout << paths.rulesPath
-                  << ": note: no rules, so every request will be refused with "
-                     "\"Uninitialized TOV rules\"\n";
+        findings.push_back({Finding::kNote,
+                            paths.rulesPath,
+                            {},
+                            {},
+                            "no rules, so every request will be refused with \"Uninitialized "
+                            "TOV rules\""});
     }
 }
 
 // A rule written for an object type that the data model does not describe is
 // most often a misspelt name, and such a rule quietly never applies.
-void noteUnknownObjectTypes(const DocumentPaths& paths, PrivateCore& core) {
+void noteUnknownObjectTypes(const DocumentPaths& paths, PrivateCore& core,
+                            std::vector<Finding>& findings) {
     if (paths.dataModelPath.empty() || !core.dataModel().existAnyInfo()) {
         return;
     }
@@ -43,11 +51,77 @@ void noteUnknownObjectTypes(const DocumentPaths& paths, PrivateCore& core) {
                                                                                   object.getName());
             });
         if (!known) {
-            std::cout << paths.rulesPath << ": note: the rules for " << objectType
-                      << " concern no object type of the data model " << paths.dataModelPath
-                      << "\n";
+            findings.push_back({Finding::kNote,
+                                paths.rulesPath,
+                                {},
+                                {},
+                                "the rules for " + objectType +
+                                    " concern no object type of the data model " +
+                                    paths.dataModelPath});
         }
     }
+}
+
+void writeFindingJson(JsonWriter& writer, const Finding& finding) {
+    writer.StartObject();
+    writer.Key("document");
+    writeString(writer, finding.document);
+    writer.Key("section");
+    if (finding.section.empty()) {
+        writer.Null();
+    } else {
+        writeString(writer, finding.section);
+    }
+    writer.Key("message");
+    writeString(writer, finding.message);
+    const std::size_t colon = finding.location.find(':');
+    if (colon != std::string::npos) {
+        writer.Key("line");
+        writer.Uint64(std::stoull(finding.location.substr(0, colon)));
+        writer.Key("column");
+        writer.Uint64(std::stoull(finding.location.substr(colon + 1)));
+    }
+    writer.EndObject();
+}
+
+// {"documents": [{"document", "loaded", "comment"}], "faults": [...], "notes": [...]};
+// under --strict every note is listed among the faults.
+void printJson(const std::vector<Finding>& findings, bool strict, std::ostream& out) {
+    rapidjson::StringBuffer buffer;
+    JsonWriter writer(buffer);
+    writer.StartObject();
+    writer.Key("documents");
+    writer.StartArray();
+    for (const Finding& finding : findings) {
+        if (finding.severity == Finding::kLoaded) {
+            writer.StartObject();
+            writer.Key("document");
+            writeString(writer, finding.document);
+            writer.Key("comment");
+            writeString(writer, finding.message);
+            writer.EndObject();
+        }
+    }
+    writer.EndArray();
+    const auto listOf = [&](const char* name, auto&& belongs) {
+        writer.Key(name);
+        writer.StartArray();
+        for (const Finding& finding : findings) {
+            if (belongs(finding)) {
+                writeFindingJson(writer, finding);
+            }
+        }
+        writer.EndArray();
+    };
+    listOf("faults", [strict](const Finding& finding) {
+        return finding.severity == Finding::kFault ||
+               (strict && finding.severity == Finding::kNote);
+    });
+    listOf("notes", [strict](const Finding& finding) {
+        return !strict && finding.severity == Finding::kNote;
+    });
+    writer.EndObject();
+    out << buffer.GetString() << "\n";
 }
 
 int runCheck(const CheckOptions& options) {
@@ -57,12 +131,26 @@ int runCheck(const CheckOptions& options) {
         return kExitUsageOrInput;
     }
     PrivateCore core(logFolder);
-    const bool allLoaded = loadDocuments(documents, core, true, std::cout);
+    std::vector<Finding> findings;
+    const bool allLoaded = loadDocuments(documents, core, options.documents.maxInputSize, findings);
     if (allLoaded) {
-        noteEmptyStores(options.documents, core);
-        noteUnknownObjectTypes(options.documents, core);
+        noteEmptyStores(options.documents, core, findings);
+        noteUnknownObjectTypes(options.documents, core, findings);
+        if (options.strict) {
+            checkStrictly(options.documents, core.dataModel(), findings);
+        }
     }
-    return allLoaded ? kExitSuccess : kExitFailure;
+    if (options.format == OutputFormat::kJson) {
+        printJson(findings, options.strict, std::cout);
+    } else {
+        for (const Finding& finding : findings) {
+            printFinding(finding, options.strict, std::cout);
+        }
+    }
+    const bool noted = std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+        return finding.severity == Finding::kNote;
+    });
+    return allLoaded && !(options.strict && noted) ? kExitSuccess : kExitFailure;
 }
 
 }  // namespace
@@ -72,7 +160,10 @@ Command addCheckCommand(CLI::App& program) {
     CLI::App* command = program.add_subcommand(
         "check", "Load the documents and tell each fault on a line of its own");
     addDocumentOptions(*command, options->documents, false);
+    command->add_flag("--strict", options->strict,
+                      "Look harder, and take every note for a fault (exit status 1)");
     addLogOption(*command, options->log);
+    addFormatOption(*command, options->format);
     command->footer(helpText({
         "Output (standard output): for each document, the data model first, one line "
         "\"FILE: comment\" when it loaded, or one line \"FILE: fault\" per fault when it did "
@@ -80,10 +171,26 @@ Command addCheckCommand(CLI::App& program) {
         "\"FILE:LINE:COLUMN: note: ...\" telling where; notices of the library about the "
         "document, a document that loads but holds nothing, and rules for an object type "
         "that the data model does not describe (often a misspelt name) get a note too.",
-        "Exit status: 0 when every document loaded, 1 when one did not, 2 for bad arguments "
-        "or a file that cannot be read.",
+        "--strict reads the documents once more for what loads but is most likely a "
+        "mistake, and tells each as \"FILE: error: section: ...\": unknown sections (a "
+        "misspelt \"transitionz\" is silently ignored), words of a fixed set in the wrong "
+        "case or unknown (\"mandatory\" loads as no constraint at all), attributes and "
+        "object types that the data model (--dm) does not describe, rules that can never "
+        "apply, duplicate rules, conflict resolution rules that force both overwrite and "
+        "spin-up on one transition, and versioning selections that offer none of the "
+        "type's versioning attributes. Every note is then an error.",
+        "With --format json: one object, {\"documents\": [{\"document\", \"comment\"} for each "
+        "that loaded], \"faults\": [...], \"notes\": [...]}, each fault and note "
+        "{\"document\", \"section\" (null when none), \"message\"} with \"line\" and "
+        "\"column\" where the text is told a place; under --strict the notes are among the "
+        "faults.",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over two lines.
+        "Exit status: 0 when every document loaded (and, under --strict, nothing was "
+        "noted), 1 when one did not (or something was noted), 2 for bad arguments or a file "
+        "that cannot be read.",
         kLogHelp,
-        "Example: tov check --rules rules.json --dm datamodel.json",
+        kMaxInputSizeHelp,
+        "Example: tov check --strict --rules rules.json --dm datamodel.json",
     }));
     return {command, [options] { return runCheck(*options); }};
 }

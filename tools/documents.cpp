@@ -4,11 +4,13 @@
 #include <rapidjson/error/en.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <array>
 #include <cstring>
-#include <filesystem>
 #include <iostream>
-#include <iterator>
+#include <utility>
+
+#include "c_api/log_setting.h"
+#include "json_files.h"
 
 namespace tovcli {
 
@@ -18,18 +20,8 @@ namespace {
 constexpr const char* kFundamentalParsingError = "Json has fundamental parsing error";
 constexpr const char* kInsufficientInputData = "Insufficient input data";
 
-bool readStream(std::FILE* stream, std::string& text) {
-    char buffer[65536];
-    std::size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, stream)) > 0) {
-        text.append(buffer, got);
-    }
-    return std::ferror(stream) == 0;
-}
-
-std::string cannotRead(const std::string& path, const char* what, int errorNumber) {
-    const std::string source = isStandardInput(path) ? " from standard input" : " " + path;
-    return std::string("cannot read ") + what + source + ": " + std::strerror(errorNumber);
+const char* documentWhat(Document::Kind kind) {
+    return kind == Document::kRules ? "rules document" : "data-model document";
 }
 
 std::vector<std::string> splitFaults(const std::string& comment) {
@@ -45,57 +37,69 @@ std::vector<std::string> splitFaults(const std::string& comment) {
     }
 }
 
-const char* jsonTypeName(const rapidjson::Value& value) {
-    switch (value.GetType()) {
-        case rapidjson::kNullType:
-            return "null";
-        case rapidjson::kFalseType:
-        case rapidjson::kTrueType:
-            return "boolean";
-        case rapidjson::kArrayType:
-            return "array";
-        case rapidjson::kStringType:
-            return "string";
-        case rapidjson::kNumberType:
-            return "number";
-        default:
-            return "object";
+// The library names the kind of rule at the start of each fault; the section
+// of the document follows from it.
+std::string sectionOfFault(Document::Kind kind, const std::string& fault) {
+    struct Section {
+        Document::Kind kind;
+        const char* ruleName;
+        const char* keyword;
+    };
+    static const std::array<Section, 10> kSections = {{
+        {Document::kRules, "Transition Freeze rule", "transitionsFreeze"},
+        {Document::kRules, "Transition rule", "transitions"},
+        {Document::kRules, "Triggers rule", "triggers"},
+        {Document::kRules, "File Constraint rule", "fileConstraints"},
+        {Document::kRules, "Conflict Resolution rule", "conflictResolutions"},
+        {Document::kRules, "Versioning Selection rule", "versioningSelections"},
+        {Document::kRules, "History Link rule", "historyLinks"},
+        {Document::kRules, "Manual Link rule", "manualLinks"},
+        {Document::kDataModel, "Structure object", "structureObjects"},
+        {Document::kDataModel, "DM Attribute", "structureObjects"},
+    }};
+    for (const Section& section : kSections) {
+        if (section.kind == kind &&
+            fault.compare(0, std::strlen(section.ruleName), section.ruleName) == 0) {
+            return section.keyword;
+        }
     }
+    return {};
+}
+
+Finding noteOn(const Document& document, std::string message) {
+    return {Finding::kNote, document.path, {}, {}, std::move(message)};
 }
 
 // The library only says that the text is unusable; a rules author wants to
-// know where, so the text is parsed again here the same way.
-void explainUnusableText(const Document& document, std::ostream& out) {
-    if (document.text.empty()) {
-        out << document.path << ": note: the file is empty\n";
+// know where, so the text is read and parsed again here the same way.
+void explainUnusableText(const Document& document, std::uint64_t maxInputSize,
+                         std::vector<Finding>& findings) {
+    if (document.size == 0) {
+        findings.push_back(noteOn(document, "the file is empty"));
+        return;
+    }
+    std::string text;
+    std::string error;
+    if (!readInput(document.path, documentWhat(document.kind), maxInputSize, text, error)) {
+        findings.push_back(noteOn(document, error));
         return;
     }
     rapidjson::Document json;
     // Iterative like the library's own parse, so deep nesting cannot overflow the stack.
-    json.Parse<rapidjson::kParseIterativeFlag>(document.text.c_str());
+    json.Parse<rapidjson::kParseIterativeFlag>(text.c_str());
     if (json.HasParseError()) {
-        const std::size_t offset = json.GetErrorOffset();
-        std::size_t line = 1;
-        std::size_t column = 1;
-        for (std::size_t i = 0; i < offset && i < document.text.size(); ++i) {
-            if (document.text[i] == '\n') {
-                ++line;
-                column = 1;
-            } else {
-                ++column;
-            }
-        }
-        out << document.path << ":" << line << ":" << column
-            << ": note: " << rapidjson::GetParseError_En(json.GetParseError()) << "\n";
+        Finding note = noteOn(document, rapidjson::GetParseError_En(json.GetParseError()));
+        note.location = textLocation(text, json.GetErrorOffset());
+        findings.push_back(std::move(note));
     } else if (!json.IsObject()) {
-        out << document.path << ": note: the document is a JSON " << jsonTypeName(json)
-            << ", not an object\n";
+        findings.push_back(noteOn(document, std::string("the document is a JSON ") +
+                                                jsonTypeName(json) + ", not an object"));
     }
 }
 
 // The notices the library prints while it reads transition rules; one of them
 // has no line end, so they are cut out of the printed text by their words.
-const char* const kLibraryNotices[] = {
+const std::array<const char*, 2> kLibraryNotices = {
     "We do not support the allowJumps keyword in the Transition Rule.",
     "We do not support the allowReverse keyword in the Transition Rule.",
 };
@@ -138,132 +142,126 @@ std::string takeOutNotices(const std::string& printed,
 
 }  // namespace
 
-bool isStandardInput(const std::string& path) {
-    return path.empty() || path == "-";
-}
-
-std::FILE* openInput(const std::string& path, const char* what, std::string& error) {
-    if (isStandardInput(path)) {
-        return stdin;
+void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out) {
+    out << finding.document;
+    if (!finding.location.empty()) {
+        out << ":" << finding.location;
     }
-    // A folder opens, but reading it fails, and a line reader would take that
-    // for an empty input.
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
-        error = cannotRead(path, what, EISDIR);
-        return nullptr;
+    out << ": ";
+    if (finding.severity == Finding::kNote) {
+        out << (notesAreFaults ? "error: " : "note: ");
     }
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) {
-        error = cannotRead(path, what, errno);
-    }
-    return file;
-}
-
-bool readInput(const std::string& path, const char* what, std::string& text, std::string& error) {
-    text.clear();
-    std::FILE* input = openInput(path, what, error);
-    if (input == nullptr) {
-        return false;
-    }
-    const bool read = readStream(input, text);
-    const int readErrno = errno;
-    if (input != stdin) {
-        std::fclose(input);
-    }
-    if (!read) {
-        error = cannotRead(path, what, readErrno);
-        return false;
-    }
-    return true;
-}
-
-bool readDocuments(const DocumentPaths& paths, std::vector<Document>& documents,
-                   std::ostream& errors) {
-    // The data model loads first, as a host would: the rules refer to it.
-    std::vector<Document> wanted;
-    if (!paths.dataModelPath.empty()) {
-        wanted.push_back({Document::kDataModel, paths.dataModelPath, {}});
-    }
-    wanted.push_back({Document::kRules, paths.rulesPath, {}});
-
-    bool allRead = true;
-    for (Document& document : wanted) {
-        const char* what =
-            document.kind == Document::kRules ? "rules document" : "data-model document";
-        std::string error;
-        if (isStandardInput(document.path)) {
-            errors << "tov: the " << what << " must be a file, not standard input\n";
-            allRead = false;
-        } else if (!readInput(document.path, what, document.text, error)) {
-            errors << "tov: " << error << "\n";
-            allRead = false;
-        }
-    }
-    documents = std::move(wanted);
-    return allRead;
-}
-
-TOVResponse initializeFromDocument(const Document& document, PrivateCore& core) {
-    return document.kind == Document::kRules ? InitializeTOVRules(document.text, core.get())
-                                             : InitializeTOV_DMInfo(document.text, core.get());
-}
-
-LoadOutcome loadDocument(const Document& document, PrivateCore& core, StdoutCapture::Mode mode) {
-    StdoutCapture capture(mode);
-    LoadOutcome outcome;
-    outcome.response = initializeFromDocument(document, core);
-    outcome.printed = capture.finish();
-    return outcome;
-}
-
-void reportLoad(const Document& document, const LoadOutcome& outcome, bool tellSuccess,
-                std::ostream& out) {
-    std::vector<std::pair<std::string, int>> notices;
-    out << takeOutNotices(outcome.printed, notices);
-
-    const TOVResponse& response = outcome.response;
-    const std::string comment = response.getGeneralResultComment();
-    if (response.getGeneralResult()) {
-        if (tellSuccess) {
-            out << document.path << ": " << comment << "\n";
-        }
-    } else {
-        for (const std::string& fault : splitFaults(comment)) {
-            out << document.path << ": " << fault << "\n";
-            if (fault == kFundamentalParsingError || fault == kInsufficientInputData) {
-                explainUnusableText(document, out);
-            }
-        }
-    }
-    for (const auto& notice : notices) {
-        out << document.path << ": note: " << notice.first;
-        if (notice.second > 1) {
-            out << " (" << notice.second << " times)";
-        }
-        out << "\n";
-    }
-}
-
-bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core, bool tellSuccess,
-                   std::ostream& out) {
-    bool allLoaded = true;
-    for (const Document& document : documents) {
-        const LoadOutcome outcome = loadDocument(document, core, StdoutCapture::kKeep);
-        reportLoad(document, outcome, tellSuccess, out);
-        allLoaded = allLoaded && outcome.response.getGeneralResult();
-    }
-    return allLoaded;
+    out << finding.message << "\n";
 }
 
 bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
                     std::string& logFolder, std::vector<Document>& documents) {
     std::string error;
-    if (!resolveLogOption(logOption, logFolder, error)) {
+    if (!tov_c::libraryLogSetting(logOption, logFolder, error)) {
         std::cerr << "tov: " << error << "\n";
         return false;
     }
-    return readDocuments(paths, documents, std::cerr);
+    // The data model loads first, as a host would: the rules refer to it.
+    documents.clear();
+    if (!paths.dataModelPath.empty()) {
+        documents.push_back({Document::kDataModel, paths.dataModelPath, 0});
+    }
+    documents.push_back({Document::kRules, paths.rulesPath, 0});
+
+    bool allReadable = true;
+    for (Document& document : documents) {
+        const char* what = documentWhat(document.kind);
+        if (isStandardInput(document.path)) {
+            std::cerr << "tov: the " << what << " must be a file, not standard input\n";
+            allReadable = false;
+        } else if (!checkRegularFile(document.path, what, paths.maxInputSize, error,
+                                     document.size)) {
+            std::cerr << "tov: " << error << "\n";
+            allReadable = false;
+        }
+    }
+    return allReadable;
+}
+
+TOVResponse initializeFromDocument(const Document& document, PrivateCore& core) {
+    // An empty file gets the answer of an empty text, which says more than a
+    // parse error would.
+    const bool empty = document.size == 0;
+    if (document.kind == Document::kRules) {
+        return empty ? InitializeTOVRules("", core.get())
+                     : InitializeTOVRulesFromFile(document.path, core.get());
+    }
+    return empty ? InitializeTOV_DMInfo("", core.get())
+                 : InitializeTOV_DMInfoFromFile(document.path, core.get());
+}
+
+bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
+                   std::uint64_t maxInputSize, std::vector<Finding>& findings) {
+    bool allLoaded = true;
+    for (const Document& document : documents) {
+        StdoutCapture capture;
+        const TOVResponse response = initializeFromDocument(document, core);
+        const std::string printed = capture.finish();
+
+        std::vector<std::pair<std::string, int>> notices;
+        std::cerr << takeOutNotices(printed, notices);
+
+        const std::string comment = response.getGeneralResultComment();
+        if (response.getGeneralResult()) {
+            findings.push_back({Finding::kLoaded, document.path, {}, {}, comment});
+        } else {
+            allLoaded = false;
+            for (std::string& fault : splitFaults(comment)) {
+                const bool unusable =
+                    fault == kFundamentalParsingError || fault == kInsufficientInputData;
+                findings.push_back({Finding::kFault,
+                                    document.path,
+                                    sectionOfFault(document.kind, fault),
+                                    {},
+                                    std::move(fault)});
+                if (unusable) {
+                    explainUnusableText(document, maxInputSize, findings);
+                }
+            }
+        }
+        for (const auto& notice : notices) {
+            std::string message = notice.first;
+            if (notice.second > 1) {
+                message += " (" + std::to_string(notice.second) + " times)";
+            }
+            Finding note = noteOn(document, std::move(message));
+            note.section = "transitions";
+            findings.push_back(std::move(note));
+        }
+    }
+    return allLoaded;
+}
+
+bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
+                   std::uint64_t maxInputSize, bool tellSuccess, std::ostream& out) {
+    std::vector<Finding> findings;
+    const bool allLoaded = loadDocuments(documents, core, maxInputSize, findings);
+    for (const Finding& finding : findings) {
+        if (tellSuccess || finding.severity != Finding::kLoaded) {
+            printFinding(finding, false, out);
+        }
+    }
+    return allLoaded;
+}
+
+std::unique_ptr<PrivateCore> loadCommandDocuments(const std::string& logOption,
+                                                  const DocumentPaths& paths, bool& unreadable) {
+    std::string logFolder;
+    std::vector<Document> documents;
+    unreadable = !prepareCommand(logOption, paths, logFolder, documents);
+    if (unreadable) {
+        return nullptr;
+    }
+    auto core = std::make_unique<PrivateCore>(logFolder);
+    if (!loadDocuments(documents, *core, paths.maxInputSize, false, std::cerr)) {
+        return nullptr;
+    }
+    return core;
 }
 
 }  // namespace tovcli

@@ -1,76 +1,77 @@
-// Reading input files, and loading the rules and data-model documents into a
-// core data with their faults told one per line.
+// The rules and data-model documents named on the command line: checked to be
+// readable, loaded into a core data, and the outcome told as findings.
 #ifndef TOV_TOOLS_DOCUMENTS_H_
 #define TOV_TOOLS_DOCUMENTS_H_
 
-#include <cstdio>
+#include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "input_files.h"
 #include "session.h"
 
 namespace tovcli {
 
-// True when `path` names standard input: "-" or nothing at all.
-bool isStandardInput(const std::string& path);
-
-// Opens a file for reading, or gives standard input for "-" or nothing. Null,
-// with the reason in `error` ("cannot read x: Is a directory"), when it cannot.
-std::FILE* openInput(const std::string& path, const char* what, std::string& error);
-
-// Reads a whole file, or standard input for "-". False, with the reason in
-// `error` ("cannot read x: No such file or directory"), when it cannot.
-bool readInput(const std::string& path, const char* what, std::string& text, std::string& error);
-
-// A document named on the command line, as read from disk.
+// A document named on the command line, checked to be a regular file within
+// the size limit. The library reads it itself, so no copy of its text is held.
 struct Document {
     enum Kind { kRules, kDataModel };
     Kind kind;
     std::string path;
-    std::string text;
+    std::uint64_t size;
 };
 
 // The documents a command was given: the rules always, the data model when
-// `dataModelPath` is not empty.
+// `dataModelPath` is not empty; and the bound on every input's size.
 struct DocumentPaths {
     std::string rulesPath;
     std::string dataModelPath;
+    std::uint64_t maxInputSize = kDefaultMaxInputSize;
 };
 
-// Reads the documents; on failure tells each unreadable one on `errors`.
-bool readDocuments(const DocumentPaths& paths, std::vector<Document>& documents,
-                   std::ostream& errors);
+// One thing to tell about a document: its outcome, a fault or a note.
+struct Finding {
+    enum Severity { kLoaded, kFault, kNote };
+    Severity severity;
+    std::string document;
+    std::string section;   // the document's section it concerns, or empty
+    std::string location;  // "LINE:COLUMN" in the text, or empty
+    std::string message;
+};
 
-// The start of every command: where the log goes, and the documents' texts.
-// False, with the reason told on standard error, for a usage or input error.
+// "PATH: message", "PATH: note: message" or "PATH:LINE:COLUMN: note: message";
+// `notesAreFaults` turns the "note:" into "error:".
+void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out);
+
+// The start of every command that loads documents: where the log goes, and
+// whether the documents can be read. False, with the reason told on standard
+// error, for a usage or input error.
 bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
                     std::string& logFolder, std::vector<Document>& documents);
 
-// The outcome of loading one document.
-struct LoadOutcome {
-    TOVResponse response;
-    std::string printed;  // what the library printed on standard output meanwhile
-};
+// prepareCommand, then loadDocuments into a new core with the faults told on
+// standard error. Null when the command cannot go on; `unreadable` then tells
+// whether the reason was the input (a usage or input error) rather than a
+// document that does not load.
+std::unique_ptr<PrivateCore> loadCommandDocuments(const std::string& logOption,
+                                                  const DocumentPaths& paths, bool& unreadable);
 
-// Loads one document into `core` as it is, with no regard to standard output.
+// Loads one document into `core`, as the library reads a file.
 TOVResponse initializeFromDocument(const Document& document, PrivateCore& core);
 
-// Loads one document into `core`, taking standard output away meanwhile
-// (`mode` says whether what the library prints is kept or dropped).
-LoadOutcome loadDocument(const Document& document, PrivateCore& core, StdoutCapture::Mode mode);
+// Loads every document in order (the data model first) and tells each outcome
+// as findings: what the library printed about it, its faults one by one (the
+// comment split at "|") with a note of where a text that is no JSON goes
+// wrong, and one note per kind of notice the library printed. The library's
+// console log goes to standard error. True when all loaded.
+bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
+                   std::uint64_t maxInputSize, std::vector<Finding>& findings);
 
-// Tells the outcome of one load on `out`: first the console log the load
-// printed, then "PATH: comment" on success (when `tellSuccess`), or one line
-// "PATH: fault" per fault (the comment split at "|") with a note of where a text
-// that is no JSON goes wrong, and last one note per kind of notice the library
-// printed about the document.
-void reportLoad(const Document& document, const LoadOutcome& outcome, bool tellSuccess,
-                std::ostream& out);
-
-// Loads every document in order and reports each on `out`. True when all loaded.
-bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core, bool tellSuccess,
-                   std::ostream& out);
+// The same, printing the findings on `out` (success lines only when `tellSuccess`).
+bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
+                   std::uint64_t maxInputSize, bool tellSuccess, std::ostream& out);
 
 }  // namespace tovcli
 

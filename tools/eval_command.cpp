@@ -10,11 +10,9 @@ namespace tovcli {
 
 namespace {
 
-struct EvalOptions {
+struct EvalOptions : DocumentCommandOptions {
     std::string kind;
-    DocumentPaths documents;
     std::string requestPath;  // empty or "-": standard input
-    std::string log = "off";
 };
 
 int exitStatusOf(const TOVResponse& response) {
@@ -35,7 +33,8 @@ int runEval(const EvalOptions& options) {
     }
     std::string error;
     std::string request;
-    if (!readInput(options.requestPath, "request", request, error)) {
+    if (!readInput(options.requestPath, "request", options.documents.maxInputSize, request,
+                   error)) {
         std::cerr << "tov: " << error << "\n";
         return kExitUsageOrInput;
     }
@@ -43,11 +42,13 @@ int runEval(const EvalOptions& options) {
     PrivateCore core(logFolder);
     // A document that does not load would make every answer a refusal that says
     // nothing about the request, so it is the program's input error instead.
-    if (!loadDocuments(documents, core, false, std::cerr)) {
+    if (!loadDocuments(documents, core, options.documents.maxInputSize, false, std::cerr)) {
         return kExitUsageOrInput;
     }
     const TOVResponse response = kind.evaluate(request, core.get());
-    std::cout << response.turnResponseIntoASingleString() << std::endl;
+    std::cout << (options.format == OutputFormat::kJson ? responseAsJson(response)
+                                                        : response.turnResponseIntoASingleString())
+              << std::endl;
     std::cerr << response.createVemoInfoMessage() << std::endl;
     return exitStatusOf(response);
 }
@@ -66,6 +67,7 @@ Command addEvalCommand(CLI::App& program) {
         ->type_name("FILE");
     addDocumentOptions(*command, options->documents, true);
     addLogOption(*command, options->log);
+    addFormatOption(*command, options->format);
 
     std::vector<std::string> help = {"Kinds:"};
     for (const RequestKind& kind : requestKinds()) {
@@ -74,16 +76,22 @@ Command addEvalCommand(CLI::App& program) {
     help.insert(
         help.end(),
         {
+            // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over two lines.
             "Output: the response's single-string form, one JSON object of strings such as "
             "{\"Result\":\"Success\",\"ResultComment\":\"Edit attempt approved\"}, on "
             "standard output; its info message (\"Success! ...\" or \"Failure! ...\") on "
             "standard error.",
+            "With --format json the answer is one object with real types instead: "
+            "\"result\" (true or false), \"comment\", \"keywords\" (every keyword with its "
+            "text), and decoded \"options\" (a list), \"initialize\" (attribute to value) and "
+            "\"missing\" (the sections to send again: membersOfFamily, manualLinkAncestors).",
             "Exit status: 0 Success; 1 Failure; 3 Failure that asks for more data "
             "(\"ObjectFamilyMembers\" or \"ManualLinkAncestors\" is \"MissingData\": send "
             "the request again with \"membersOfFamily\" or \"manualLinkAncestors\"); 2 bad "
             "arguments, a file that cannot be read, or a document that does not load (its "
             "faults then go to standard error as check tells them, and nothing is evaluated).",
             kLogHelp,
+            kMaxInputSizeHelp,
             "Example: tov eval edit --rules rules.json --dm datamodel.json request.json",
         });
     command->footer(helpText(help));

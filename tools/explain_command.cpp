@@ -1,11 +1,13 @@
 // tov explain: every loaded rule in words, grouped by kind, in the order in
 // which the rules are judged.
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <iostream>
 #include <iterator>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -17,13 +19,10 @@ namespace tovcli {
 
 namespace {
 
-struct ExplainOptions {
-    DocumentPaths documents;
-    std::string log = "off";
-};
+using ExplainOptions = DocumentCommandOptions;
 
 // The kinds as the store keeps them; the store's words carry the same labels.
-const char* const kKindsInStoreOrder[] = {
+constexpr std::array<const char*, 8> kKindsInStoreOrder = {
     "transition freeze", "history link",         "manual link",         "transition",
     "trigger",           "versioning selection", "conflict resolution", "file constraint",
 };
@@ -42,9 +41,13 @@ std::string triggerInWords(const TOVTriggerDescription& trigger) {
     return words;
 }
 
-void explainRules(const TOVLifecycleBusinessRules& rules, std::ostream& out) {
+using RuleGroups = std::vector<std::pair<std::string, std::vector<std::string>>>;
+
+// The sentences of every rule, grouped by kind in the order in which the
+// kinds are judged, each group in store order.
+RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
     std::map<std::string, std::vector<std::string>> byKind;
-    std::vector<std::string> kinds(std::begin(kKindsInStoreOrder), std::end(kKindsInStoreOrder));
+    std::vector<std::string> kinds(kKindsInStoreOrder.begin(), kKindsInStoreOrder.end());
     for (const auto& entry : rules.expressRulesInWords()) {
         if (byKind.count(entry.first) == 0 &&
             std::find(kinds.begin(), kinds.end(), entry.first) == kinds.end()) {
@@ -55,61 +58,112 @@ void explainRules(const TOVLifecycleBusinessRules& rules, std::ostream& out) {
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
         byKind["trigger"].push_back(triggerInWords(trigger));
     }
-
-    bool first = true;
+    RuleGroups groups;
     for (const std::string& kind : kinds) {
-        const auto sentences = byKind.find(kind);
-        if (sentences == byKind.end()) {
-            continue;
+        auto sentences = byKind.find(kind);
+        if (sentences != byKind.end()) {
+            groups.emplace_back(kind, std::move(sentences->second));
         }
-        std::string heading = kind + " rules";
+    }
+    return groups;
+}
+
+// "Library_Item" stands for every RLI type: with a data model at hand, and
+// rules written for it, the names of those types (perhaps none).
+std::optional<std::vector<std::string>> libraryItemTypes(const TOVLifecycleBusinessRules& rules,
+                                                         const TOV_DMStructure& dataModel) {
+    const std::set<std::string> objectTypes = rules.collectObjectTypesOfRules();
+    const bool named = std::any_of(objectTypes.begin(), objectTypes.end(), [](const auto& type) {
+        return areStringsEqualSimple(type, TOVAttrItemValue_Library_Item);
+    });
+    if (!named) {
+        return std::nullopt;
+    }
+    std::vector<std::string> types;
+    for (const TOV_DMStructureObject& object : dataModel.getAllStructureObjects()) {
+        if (object.isThisAnRLI()) {
+            types.push_back(object.getName());
+        }
+    }
+    return types;
+}
+
+void printText(const RuleGroups& groups, const std::optional<std::vector<std::string>>& libraryItem,
+               std::ostream& out) {
+    bool first = true;
+    for (const auto& group : groups) {
+        std::string heading = group.first + " rules";
         heading[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(heading[0])));
-        out << (first ? "" : "\n") << heading << " (" << sentences->second.size() << "):\n";
+        out << (first ? "" : "\n") << heading << " (" << group.second.size() << "):\n";
         first = false;
         int number = 0;
-        for (const std::string& sentence : sentences->second) {
+        for (const std::string& sentence : group.second) {
             out << "  " << ++number << ". " << sentence << "\n";
         }
     }
     if (first) {
         out << "The rules document holds no rules.\n";
     }
+    if (libraryItem) {
+        std::string types;
+        for (const std::string& type : *libraryItem) {
+            types += (types.empty() ? "" : ", ") + type;
+        }
+        out << "\n"
+            << TOVAttrItemValue_Library_Item
+            << " stands for the RLI object types of the data model: "
+            << (types.empty() ? "none" : types) << ".\n";
+    }
 }
 
-// "Library_Item" stands for every RLI type; with a data model at hand, say which.
-void explainLibraryItem(const TOVLifecycleBusinessRules& rules, const TOV_DMStructure& dataModel,
-                        std::ostream& out) {
-    const std::set<std::string> objectTypes = rules.collectObjectTypesOfRules();
-    const bool named = std::any_of(objectTypes.begin(), objectTypes.end(), [](const auto& type) {
-        return areStringsEqualSimple(type, TOVAttrItemValue_Library_Item);
-    });
-    if (!named) {
-        return;
-    }
-    std::string types;
-    for (const TOV_DMStructureObject& object : dataModel.getAllStructureObjects()) {
-        if (object.isThisAnRLI()) {
-            types += (types.empty() ? "" : ", ") + object.getName();
+void printJson(const RuleGroups& groups, const std::optional<std::vector<std::string>>& libraryItem,
+               std::ostream& out) {
+    rapidjson::StringBuffer buffer;
+    JsonWriter writer(buffer);
+    writer.StartObject();
+    writer.Key("kinds");
+    writer.StartArray();
+    for (const auto& group : groups) {
+        writer.StartObject();
+        writer.Key("kind");
+        writeString(writer, group.first);
+        writer.Key("rules");
+        writer.StartArray();
+        for (const std::string& sentence : group.second) {
+            writeString(writer, sentence);
         }
+        writer.EndArray();
+        writer.EndObject();
     }
-    out << "\n"
-        << TOVAttrItemValue_Library_Item << " stands for the RLI object types of the data model: "
-        << (types.empty() ? "none" : types) << ".\n";
+    writer.EndArray();
+    if (libraryItem) {
+        writer.Key("libraryItem");
+        writer.StartArray();
+        for (const std::string& type : *libraryItem) {
+            writeString(writer, type);
+        }
+        writer.EndArray();
+    }
+    writer.EndObject();
+    out << buffer.GetString() << "\n";
 }
 
 int runExplain(const ExplainOptions& options) {
-    std::string logFolder;
-    std::vector<Document> documents;
-    if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
-        return kExitUsageOrInput;
+    bool unreadable = false;
+    const std::unique_ptr<PrivateCore> core =
+        loadCommandDocuments(options.log, options.documents, unreadable);
+    if (core == nullptr) {
+        return unreadable ? kExitUsageOrInput : kExitFailure;
     }
-    PrivateCore core(logFolder);
-    if (!loadDocuments(documents, core, false, std::cerr)) {
-        return kExitFailure;
-    }
-    explainRules(core.rules(), std::cout);
+    const RuleGroups groups = groupRulesInWords(core->rules());
+    std::optional<std::vector<std::string>> libraryItem;
     if (!options.documents.dataModelPath.empty()) {
-        explainLibraryItem(core.rules(), core.dataModel(), std::cout);
+        libraryItem = libraryItemTypes(core->rules(), core->dataModel());
+    }
+    if (options.format == OutputFormat::kJson) {
+        printJson(groups, libraryItem, std::cout);
+    } else {
+        printText(groups, libraryItem, std::cout);
     }
     return kExitSuccess;
 }
@@ -122,6 +176,7 @@ Command addExplainCommand(CLI::App& program) {
         program.add_subcommand("explain", "Tell every loaded rule in words, grouped by kind");
     addDocumentOptions(*command, options->documents, false);
     addLogOption(*command, options->log);
+    addFormatOption(*command, options->format);
     command->footer(helpText({
         "Output (standard output): one group per kind that has rules, in the order in which "
         "the kinds are judged (transition freeze, history link, manual link, transition, "
@@ -130,10 +185,17 @@ Command addExplainCommand(CLI::App& program) {
         "stands for every object type (\"ALL\" in the document). With --dm the data model "
         "is loaded too, so that its faults are told, and a last line tells which RLI object "
         "types Library_Item stands for, when rules are written for it.",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over three lines.
+        "With --format json: one object, {\"kinds\": [{\"kind\": ..., \"rules\": [sentence, "
+        "...]}, ...]}, and \"libraryItem\" (a list of object types) when that last line "
+        "would be told.",
         "Standard error: the faults of a document that does not load, as check tells them.",
+        // One sentence over two lines, not two items.
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma)
         "Exit status: 0 when the documents loaded, 1 when one did not, 2 for bad arguments "
         "or a file that cannot be read.",
         kLogHelp,
+        kMaxInputSizeHelp,
         "Example: tov explain --rules rules.json",
     }));
     return {command, [options] { return runExplain(*options); }};

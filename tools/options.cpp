@@ -1,14 +1,13 @@
 #include "commands.h"
 
 #include <algorithm>
+#include <map>
 
 namespace tovcli {
 
 const char* const kLogHelp =
-    "--log: off (the default) keeps the library silent; console prints its log on the "
-    "terminal (standard output, but what the loading of the documents logs goes with their "
-    "outcome: to standard output in check, to standard error in the other commands); any "
-    "other value is a folder, "
+    "--log: off (the default) keeps the library silent; console prints its log on standard "
+    "error, apart from the answers; any other value is a folder, "
     "created if missing, where the log goes to a new file \\TOV_Log_<seconds>.txt (the "
     "library's file name starts with a back-slash). Write ./off or ./console for folders of "
     "those names.";
@@ -48,6 +47,29 @@ std::string helpText(const std::vector<std::string>& paragraphs) {
     return text;
 }
 
+const char* const kMaxInputSizeHelp =
+    "--max-input-size: the largest document, request or batch line read, in bytes or with "
+    "a unit such as 64KiB, 16MiB or 1GiB (default 256MiB); a larger one, a read that "
+    "fails, and a path that is no regular file (a folder, a FIFO, a device) end the "
+    "command with status 2 before anything is evaluated.";
+
+void addMaxInputSizeOption(CLI::App& command, std::uint64_t& maxInputSize) {
+    command
+        .add_option("--max-input-size", maxInputSize,
+                    "The largest document, request or line read (default 256MiB)")
+        ->type_name("SIZE")
+        ->transform(CLI::AsSizeValue(false))
+        ->check(CLI::PositiveNumber);
+}
+
+void addFormatOption(CLI::App& command, OutputFormat& format) {
+    command.add_option("--format", format, "How answers are written: text or json")
+        ->type_name("text|json")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, OutputFormat>{
+            {"text", OutputFormat::kText}, {"json", OutputFormat::kJson}}))
+        ->default_str("text");
+}
+
 void addDocumentOptions(CLI::App& command, DocumentPaths& paths, bool dataModelRequired) {
     command.add_option("--rules", paths.rulesPath, "The rules document (JSON)")
         ->type_name("FILE")
@@ -59,6 +81,7 @@ void addDocumentOptions(CLI::App& command, DocumentPaths& paths, bool dataModelR
     if (dataModelRequired) {
         dm->required();
     }
+    addMaxInputSizeOption(command, paths.maxInputSize);
 }
 
 }  // namespace tovcli

@@ -1,5 +1,5 @@
 // What every command of the tov program shares: its exit statuses, the --log
-// setting, and a private core data for each command or worker.
+// setting, and a private core data for each command.
 #ifndef TOV_TOOLS_SESSION_H_
 #define TOV_TOOLS_SESSION_H_
 
@@ -18,13 +18,8 @@ enum ExitStatus : int {
     kExitNeedsReevaluation = 3,  // a failed edit that asks for more data
 };
 
-// Turns the value of --log (off, console or a folder) into what
-// setTOVLoggingFolder expects. A folder is created if missing. False, with the
-// reason in `error`, when it cannot be used.
-bool resolveLogOption(const std::string& option, std::string& libraryFolder, std::string& error);
-
-// A core data of its own (rule store, data model, logger), so that a command or
-// a batch worker shares nothing with any other.
+// A core data of its own (rule store, data model, logger), which a command
+// loads once; batch workers borrow it to read.
 class PrivateCore {
 public:
     explicit PrivateCore(const std::string& libraryLogFolder);
@@ -39,21 +34,19 @@ private:
     TOVCoreDataControllers core;
 };
 
-// The library prints notices about rule keywords it does not support, and the
-// console log, on standard output. While documents load, a capture takes
-// standard output away, so that the program decides where those lines go and
-// standard output carries only what the command promises. Only one may live at
-// a time, and no other thread may print meanwhile.
+// The library prints notices about rule keywords it does not support on
+// standard output. While a document loads, a capture takes file descriptor 1
+// away, so that the program can turn those lines into notes. Only one may live
+// at a time, and no other thread may print meanwhile.
 class StdoutCapture {
 public:
-    enum Mode { kKeep, kDiscard };
-    explicit StdoutCapture(Mode mode);
+    StdoutCapture();
     ~StdoutCapture();
     StdoutCapture(const StdoutCapture&) = delete;
     StdoutCapture& operator=(const StdoutCapture&) = delete;
 
-    // Gives standard output back and returns what was printed (nothing when
-    // discarding, or when standard output could not be taken).
+    // Gives file descriptor 1 back and returns what was printed (nothing when
+    // it could not be taken).
     std::string finish();
 
 private:

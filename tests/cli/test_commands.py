@@ -884,21 +884,43 @@ class LogOption(ProgramTest):
         result = self.tov("eval", "edit", *self.documents(), "request.json", "--log",
                           "console")
         self.assertEqual(result.returncode, 0)
-        lines = result.stdout.splitlines()
-        self.assertEqual(lines[-1], APPROVED_EDIT)
-        self.assertIn("Evaluating Edit attempt input=", result.stdout)
-        self.assertIn('Evaluating Edit attempt result="' + APPROVED_EDIT + '"', result.stdout)
-        # What the loads log goes with their outcome, away from the answer.
-        self.assertNotIn("Initializing TOV Rules result=", result.stdout)
+        # The log goes to standard error, in the order it was written, and never
+        # among the answers.
+        self.assertEqual(result.stdout, APPROVED_EDIT + "\n")
         self.assertIn("Initializing TOV Rules result=", result.stderr)
+        self.assertIn("Evaluating Edit attempt input=", result.stderr)
+        self.assertIn('Evaluating Edit attempt result="' + APPROVED_EDIT + '"', result.stderr)
+        self.assertLess(result.stderr.index("Initializing TOV Rules result="),
+                        result.stderr.index("Evaluating Edit attempt input="))
         self.assertTrue(result.stderr.endswith("Success! Edit attempt approved\n"))
 
     def test_console_for_check(self):
         result = self.tov("check", *self.documents(), "--log", "Console")
         self.assertEqual(result.returncode, 0)
-        self.assertIn("Initializing DM Info attempt result=", result.stdout)
-        self.assertTrue(result.stdout.endswith("rules.json: Successfully initialized TOV "
-                                               "rules\n"))
+        self.assertEqual(result.stdout, "dm.json: Succesfully initialized DM info\n"
+                                        "rules.json: Successfully initialized TOV rules\n")
+        self.assertIn("Initializing DM Info attempt result=", result.stderr)
+        self.assertIn("Initializing TOV Rules result=", result.stderr)
+
+    def test_console_for_every_command_keeps_the_answers_clean(self):
+        self.write("requests.jsonl", batch_line("edit", RETITLE) + "\n")
+        self.write_json("request.json", RETITLE)
+        runs = {
+            "explain": (["explain", *self.documents()], None),
+            "eval json": (["eval", "edit", *self.documents(), "request.json", "--format",
+                           "json"], None),
+            "batch": (["batch", *self.documents(), "--jobs", "2", "requests.jsonl"],
+                      APPROVED_EDIT + "\n"),
+        }
+        for command, (arguments, stdout) in runs.items():
+            with self.subTest(command=command):
+                quiet = self.tov(*arguments)
+                logged = self.tov(*arguments, "--log", "console")
+                self.assertEqual(logged.returncode, quiet.returncode)
+                self.assertEqual(logged.stdout, quiet.stdout)
+                if stdout is not None:
+                    self.assertEqual(logged.stdout, stdout)
+                self.assertIn("Initializing TOV Rules result=", logged.stderr)
 
     def test_a_folder_gets_the_log_file(self):
         self.write_json("request.json", RETITLE)

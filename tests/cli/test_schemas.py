@@ -182,7 +182,8 @@ def tov_check(kind, document):
 class SchemasTest(unittest.TestCase):
 
     def test_schemas_are_valid_draft_2020_12(self):
-        for name in ["rules", "datamodel", "edit-request", "link-request", "options-query"]:
+        for name in ["rules", "datamodel", "edit-request", "link-request", "options-query",
+                     "test-suite"]:
             with self.subTest(schema=name):
                 schema = load_json("schemas", name + ".schema.json")
                 self.assertEqual(schema["$schema"], "https://json-schema.org/draft/2020-12/schema")
@@ -200,7 +201,8 @@ class SchemasTest(unittest.TestCase):
                 for i, sub in enumerate(node):
                     walk(sub, where + "/" + str(i))
 
-        for name in ["rules", "datamodel", "edit-request", "link-request", "options-query"]:
+        for name in ["rules", "datamodel", "edit-request", "link-request", "options-query",
+                     "test-suite"]:
             schema = load_json("schemas", name + ".schema.json")
             self.assertIn("description", schema)
             walk(schema, name)
@@ -208,6 +210,37 @@ class SchemasTest(unittest.TestCase):
     def test_example_documents_are_valid(self):
         validator("rules").validate(load_json("examples", "rules.json"))
         validator("datamodel").validate(load_json("examples", "datamodel.json"))
+
+    def test_the_example_suite_is_valid_and_holds_the_whole_scenario(self):
+        suite = load_json("examples", "tests.json")
+        validator("test-suite").validate(suite)
+        steps = load_json("examples", "scenario.json")["steps"]
+        self.assertEqual([(case["name"], case["kind"]) for case in suite["cases"]],
+                         [(step["name"], step["kind"]) for step in steps])
+        for case in suite["cases"]:
+            with self.subTest(case=case["name"]):
+                with open(os.path.join(SOURCE, "examples", "expected", case["name"] + ".out"),
+                          encoding="utf-8") as f:
+                    self.assertEqual(case["expect"], json.loads(f.read()))
+                self.assertEqual(case["requestFile"], "requests/" + case["name"] + ".json")
+
+    def test_faulty_suites_are_rejected(self):
+        good = {"rules": "rules.json", "datamodel": "dm.json",
+                "cases": [{"name": "a", "kind": "edit", "request": {}, "expect": {}}]}
+        validator("test-suite").validate(good)
+        faults = {
+            "no cases": {"rules": "rules.json", "datamodel": "dm.json"},
+            "an unknown kind": changed(good, lambda d: d["cases"][0].update(kind="judge")),
+            "both request forms": changed(
+                good, lambda d: d["cases"][0].update(requestFile="r.json")),
+            "no request": changed(good, lambda d: d["cases"][0].pop("request")),
+            "an expected text that is no string": changed(
+                good, lambda d: d["cases"][0].update(expect={"Result": True})),
+            "an empty name": changed(good, lambda d: d["cases"][0].update(name="")),
+        }
+        for what, suite in faults.items():
+            with self.subTest(fault=what):
+                self.assertTrue(list(validator("test-suite").iter_errors(suite)))
 
     def test_example_requests_are_valid_for_their_kind(self):
         scenario = load_json("examples", "scenario.json")

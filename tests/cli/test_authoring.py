@@ -1,0 +1,513 @@
+"""The rules author's tools: tov test, tov graph, tov check --strict, --format
+json on every command, the one-line answer to an unknown command, and bash
+completion. Exact outputs and exit statuses.
+
+Run as: python3 test_authoring.py TOV_PROGRAM SOURCE_DIR
+"""
+
+import json
+import os
+import shutil
+import subprocess
+import sys
+import unittest
+
+import test_commands as base
+from test_commands import (APPROVED_EDIT, IN_WORK, RETITLE, RULES, SKIP_REVIEW, TO_REVIEW,
+                           TRANSITION_REFUSED, ProgramTest, batch_line)
+
+SOURCE = None
+
+
+def suite_with(*cases, rules="rules.json", datamodel="dm.json"):
+    return {"rules": rules, "datamodel": datamodel, "cases": list(cases)}
+
+
+PASSING = {"name": "retitle", "kind": "edit", "request": RETITLE,
+           "expect": {"Result": "Success"}}
+FAILING = {"name": "skip review", "kind": "edit", "request": SKIP_REVIEW,
+           "expect": {"Result": "Success", "TriggerInitialization": "{Approver:pending}"}}
+
+
+class UnknownCommand(ProgramTest):
+    def test_an_unknown_command_is_told_in_a_line_with_the_nearest_one(self):
+        result = self.tov("chek", "--rules", "rules.json")
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual(result.stdout, "")
+        self.assertEqual(result.stderr,
+                         "tov: unknown command 'chek'; did you mean 'check'?\n"
+                         "Usage: tov COMMAND [OPTIONS]; run 'tov --help' for the commands.\n")
+
+    def test_help_names_the_new_commands(self):
+        result = self.tov("--help")
+        for command in ("test", "graph"):
+            self.assertIn(command, result.stdout)
+
+
+class TestCommand(ProgramTest):
+    def run_suite(self, suite, *extra):
+        self.write_json("suite.json", suite)
+        return self.tov("test", "suite.json", *extra)
+
+    def test_all_pass(self):
+        result = self.run_suite(suite_with(PASSING))
+        self.assertEqual((result.returncode, result.stdout, result.stderr),
+                         (0, "1 passed, 0 failed\n", ""))
+
+    def test_a_failing_case_is_told_with_expected_and_actual(self):
+        result = self.run_suite(suite_with(PASSING, FAILING))
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout,
+                         'FAIL skip review (suite.json): Result: expected "Success", got '
+                         '"Failure"; TriggerInitialization: expected "{Approver:pending}", '
+                         "got nothing\n"
+                         "1 passed, 1 failed\n")
+
+    def test_verbose_tells_passing_cases_too(self):
+        result = self.run_suite(suite_with(PASSING, FAILING), "-v")
+        self.assertEqual(result.stdout.splitlines()[0], "PASS retitle (suite.json)")
+        self.assertEqual(result.stdout.splitlines()[-1], "1 passed, 1 failed")
+
+    def test_exact_cases_allow_no_other_keyword(self):
+        loose = {"name": "review", "kind": "edit", "request": TO_REVIEW,
+                 "expect": {"Result": "Failure"}}
+        exact = dict(loose, name="review exactly", exact=True)
+        result = self.run_suite(suite_with(loose, exact))
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout.splitlines(), [
+            'FAIL review exactly (suite.json): ResultComment: expected nothing, got '
+            '"File constraint violation detected: For Part: When Status transitions from '
+            '\\"In Work\\" to \\"In Review\\" we MUST upload a new representation file"',
+            "1 passed, 1 failed",
+        ])
+
+    def test_a_request_file_relative_to_the_suite(self):
+        os.mkdir(self.path("suites"))
+        self.write_json("suites/retitle.json", RETITLE)
+        self.write_json("suites/suite.json", suite_with(
+            {"name": "from a file", "kind": "edit", "requestFile": "retitle.json",
+             "expect": json.loads(APPROVED_EDIT), "exact": True},
+            rules="../rules.json", datamodel="../dm.json"))
+        result = self.tov("test", "suites/suite.json")
+        self.assertEqual((result.returncode, result.stdout), (0, "1 passed, 0 failed\n"))
+
+    def test_texts_are_compared_as_eval_prints_them(self):
+        refused = json.loads(TRANSITION_REFUSED)
+        result = self.run_suite(suite_with({"name": "skip", "kind": "edit",
+                                            "request": SKIP_REVIEW, "expect": refused,
+                                            "exact": True}))
+        self.assertEqual((result.returncode, result.stdout), (0, "1 passed, 0 failed\n"))
+
+    def test_several_suites_add_up(self):
+        self.write_json("one.json", suite_with(PASSING))
+        self.write_json("two.json", suite_with(PASSING, FAILING))
+        result = self.tov("test", "one.json", "two.json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout.splitlines()[-1], "2 passed, 1 failed")
+
+    def test_json_report(self):
+        result = self.run_suite(suite_with(PASSING, FAILING), "--format", "json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(json.loads(result.stdout), {
+            "passed": 1, "failed": 1, "cases": [
+                {"suite": "suite.json", "name": "retitle", "passed": True, "mismatches": []},
+                {"suite": "suite.json", "name": "skip review", "passed": False, "mismatches": [
+                    {"keyword": "Result", "expected": "Success", "actual": "Failure"},
+                    {"keyword": "TriggerInitialization", "expected": "{Approver:pending}",
+                     "actual": None}]},
+            ]})
+
+    def test_junit_report(self):
+        result = self.run_suite(suite_with(PASSING, FAILING), "--format", "junit")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout,
+                         '<?xml version="1.0" encoding="UTF-8"?>\n'
+                         '<testsuites name="tov test" tests="2" failures="1">\n'
+                         '  <testsuite name="suite.json" tests="2" failures="1">\n'
+                         '    <testcase classname="suite.json" name="retitle"/>\n'
+                         '    <testcase classname="suite.json" name="skip review">\n'
+                         '      <failure message="Result: expected &quot;Success&quot;, got '
+                         '&quot;Failure&quot;; TriggerInitialization: expected '
+                         '&quot;{Approver:pending}&quot;, got nothing">Result: expected '
+                         '&quot;Success&quot;, got &quot;Failure&quot;&#10;'
+                         'TriggerInitialization: expected &quot;{Approver:pending}&quot;, got '
+                         'nothing&#10;</failure>\n'
+                         '    </testcase>\n'
+                         '  </testsuite>\n'
+                         '</testsuites>\n')
+
+    def test_suites_that_cannot_be_read(self):
+        self.write("broken.json", '{"rules": ')
+        self.write_json("list.json", [])
+        cases = {
+            "missing.json": "tov: cannot read suite missing.json: No such file or directory\n",
+            "broken.json": "tov: broken.json:1:11: Invalid value.\n",
+            "list.json": "tov: suite list.json is a JSON array, not an object\n",
+        }
+        faulty = {
+            "no cases": ({"rules": "rules.json", "datamodel": "dm.json"},
+                         'needs "rules" and "datamodel" (paths) and "cases" (a list)'),
+            "no name": (suite_with(dict(PASSING, name="")),
+                        'case 1 has no "name" (a string that is not empty)'),
+            "unknown kind": (suite_with(dict(PASSING, kind="judge")),
+                             'case 1 (retitle): "kind" is "judge"; expected edit, '
+                             "edit-before-resolution, save, save-before-resolution, link or "
+                             "options"),
+            "both requests": (suite_with(dict(PASSING, requestFile="r.json")),
+                              'case 1 (retitle): needs either "request" (an object) or '
+                              '"requestFile" (a path)'),
+            "missing request file": (suite_with({"name": "a", "kind": "edit",
+                                                 "requestFile": "r.json", "expect": {}}),
+                                     "case 1 (a): cannot read request r.json: No such file "
+                                     "or directory"),
+            "text no string": (suite_with(dict(PASSING, expect={"Result": True})),
+                               'case 1 (retitle): the expected text of "Result" is no string'),
+            "exact no bool": (suite_with(dict(PASSING, exact="yes")),
+                              'case 1 (retitle): "exact" must be true or false'),
+        }
+        for name, (suite, message) in faulty.items():
+            self.write_json(name + ".json", suite)
+            cases[name + ".json"] = "tov: suite " + name + ".json" + (
+                " " if message.startswith("needs") else ": ") + message + "\n"
+        for suite, message in cases.items():
+            with self.subTest(suite=suite):
+                result = self.tov("test", suite, "--format", "json")
+                self.assertEqual((result.returncode, result.stdout, result.stderr),
+                                 (2, "", message))
+
+    def test_documents_that_do_not_load(self):
+        self.write_json("bad.json", {"transitions": {"Part": [{}]}})
+        result = self.run_suite(suite_with(PASSING, rules="bad.json"))
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertEqual(result.stderr,
+                         "bad.json: Transition rule for Part demands ALL keywords: "
+                         "[attribute,fromValue,toValue]\n"
+                         "tov: the documents of suite suite.json do not load\n")
+
+    def test_the_example_scenario_passes(self):
+        result = self.tov("test", os.path.join(SOURCE, "examples", "tests.json"), "-v")
+        self.assertEqual(result.returncode, 0, result.stdout)
+        lines = result.stdout.splitlines()
+        self.assertEqual(lines[-1], "25 passed, 0 failed")
+        self.assertTrue(all(line.startswith("PASS ") for line in lines[:-1]))
+
+
+GRAPH_RULES = dict(RULES, transitionsFreeze={"Part": [
+    {"attribute": "Status", "freezeConditionAttribute": "Approver",
+     "freezeConditionValue": "nobody"},
+    {"attribute": "Status", "freezeConditionAttribute": "Status",
+     "freezeConditionValue": "Released"}]})
+GRAPH_RULES["transitions"] = {"ALL": RULES["transitions"]["Part"] + [
+    {"attribute": "Status", "fromValue": "Released", "toValue": ["Obsolete"]}]}
+
+DOT = """// The lifecycle of Status for part: values with a double border have no way out.
+digraph "part Status" {
+  rankdir=LR;
+  node [shape=box, style=rounded];
+  "In Work";
+  "In Review";
+  "Released" [peripheries=2];
+  "Obsolete" [peripheries=2];
+  "In Work" -> "In Review" [label="file upload required, frozen while Approver is nobody"];
+  "In Review" -> "Released" [label="frozen while Approver is nobody"];
+  "In Review" -> "In Work" [label="forced spin-up, frozen while Approver is nobody"];
+  "Released" -> "Obsolete" [label="frozen while Approver is nobody, frozen"];
+}
+"""
+
+MERMAID = """stateDiagram-v2
+    state "In Work" as s0
+    state "In Review" as s1
+    state "Released" as s2
+    state "Obsolete" as s3
+    s0 --> s1 : file upload required, frozen while Approver is nobody
+    s1 --> s2 : frozen while Approver is nobody
+    s1 --> s0 : forced spin-up, frozen while Approver is nobody
+    s2 --> s3 : frozen while Approver is nobody, frozen
+    s2 --> [*]
+    s3 --> [*]
+"""
+
+
+class GraphCommand(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.write_json("graph-rules.json", GRAPH_RULES)
+
+    def graph(self, *extra):
+        return self.tov("graph", "--rules", "graph-rules.json", "--dm", "dm.json", *extra)
+
+    def test_dot_by_default(self):
+        result = self.graph("--type", "part", "--attribute", "Status")
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (0, DOT, ""))
+
+    def test_mermaid(self):
+        result = self.graph("--type", "part", "--attribute", "Status", "--format", "mermaid")
+        self.assertEqual((result.returncode, result.stdout, result.stderr), (0, MERMAID, ""))
+
+    def test_an_attribute_without_transitions(self):
+        result = self.graph("--type", "Part", "--attribute", "Title")
+        self.assertEqual((result.returncode, result.stdout, result.stderr),
+                         (1, "", "tov: graph-rules.json has no transition rule of Title for "
+                                 "Part\n"))
+
+    def test_a_type_the_data_model_does_not_describe(self):
+        result = self.graph("--type", "Bolt", "--attribute", "Status")
+        self.assertEqual((result.returncode, result.stdout, result.stderr),
+                         (2, "", "tov: the data model dm.json describes no object type Bolt\n"))
+
+    def test_the_type_and_attribute_are_required(self):
+        result = self.tov("graph", "--rules", "graph-rules.json", "--type", "Part")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertIn("--attribute is required", result.stderr)
+
+    @unittest.skipIf(shutil.which("dot") is None, "Graphviz is not installed")
+    def test_graphviz_renders_it(self):
+        result = self.graph("--type", "Part", "--attribute", "Status")
+        rendered = subprocess.run(["dot", "-Tsvg"], input=result.stdout, capture_output=True,
+                                  text=True, timeout=60)
+        self.assertEqual(rendered.returncode, 0, rendered.stderr)
+        self.assertIn("<svg", rendered.stdout)
+
+
+STRICT_RULES = {
+    "transitionz": {},
+    "manualLinks": [],
+    "transitions": {"Part": [
+        {"attribute": "Stauts", "fromValue": "In Work", "toValue": ["In Review"]},
+        {"attribute": "Status", "fromValue": "In Work", "toValue": ["In Review", "In Work"]},
+        {"attribute": "Status", "fromValue": "In Work", "toValue": ["In Work", "In Review"]}]},
+    "fileConstraints": {"Part": [
+        {"attribute": "Status", "fromValue": "In Work", "toValue": "In Review",
+         "updateFile": "mandatory"},
+        {"attribute": "Status", "fromValue": "In Review", "toValue": "Released",
+         "updateFile": "ALWAYS"}]},
+    "conflictResolutions": {
+        "ALL": [{"attribute": "Status", "fromValue": "In Review", "toValue": "In Work",
+                 "updatesFile": "N_A", "conflictResolution": "overwrite"}],
+        "Part": [{"attribute": "Status", "fromValue": "<any>", "toValue": "in work",
+                  "updatesFile": "Yes", "conflictResolution": "spinup"}]},
+    "versioningSelections": {"Part": [
+        {"conditionAttribute1": "Status", "conditionValue1": ["Obsolete"],
+         "versioningOption": ["Title"]}]},
+    "triggers": {"Part": [{"attribute": "<any>", "triggerInitialize": "Approver",
+                           "initializationValue": "pending"}]},
+}
+
+STRICT_DATA_MODEL = {"OverwriteLabel": "Overwrite", "structureObjects": [
+    {"name": "Part", "dmObjectType": "DMitem", "attributes": [
+        {"name": "Number", "type": "REGULAR", "primary": True},
+        {"name": "Revision", "type": "VERSIONING", "primary": True},
+        {"name": "Status", "type": "REGULAR", "primary": False},
+        {"name": "Title", "type": "TEXT", "primary": False},
+        {"name": "Approver", "type": "REGULAR", "primary": False}]}]}
+
+STRICT_FINDINGS = [
+    ("strict-dm.json", "structureObjects", 'structureObjects: Part: dmObjectType "DMitem" loads '
+     'as DMITEM; the word is "DMITEM", exactly in this case'),
+    ("strict-dm.json", "structureObjects", 'structureObjects: Part Title: type "TEXT" is none '
+     "of REGULAR, FILE, VERSIONING and loads as REGULAR"),
+    ("strict.json", "transitionz", 'transitionz: unknown section "transitionz" is ignored; '
+     'did you mean "transitions"?'),
+    ("strict.json", "manualLinks", "manualLinks: the section is a JSON array, not an object, "
+     "and is ignored"),
+    ("strict.json", "transitions", 'transitions: Part #1: "Stauts" is no attribute of Part in '
+     "the data model"),
+    ("strict.json", "fileConstraints", 'fileConstraints: Part #1: updateFile "mandatory" loads '
+     'as no constraint, so the rule never forbids anything; the word is "MANDATORY", exactly '
+     "in this case"),
+    ("strict.json", "fileConstraints", 'fileConstraints: Part #2: updateFile "ALWAYS" is none '
+     "of FORBIDDEN, MANDATORY and loads as no constraint, so the rule never forbids anything"),
+    ("strict.json", "conflictResolutions", 'conflictResolutions: Part #1: updatesFile "Yes" '
+     "loads as N_A, so the rule holds whether or not the file is updated; the word is \"YES\", "
+     "exactly in this case"),
+    ("strict.json", "versioningSelections", "versioningSelections: Part #1: offers no "
+     "versioning attribute of Part (Revision), so no spin-up can follow the selection"),
+    ("strict.json", "triggers", 'triggers: Part #1: attribute "<any>" is no wildcard where '
+     'rules are looked up, so the rule applies only to an attribute named "<any>"'),
+    ("strict.json", "transitions", "transitions: Part #3: repeats Part #2"),
+    ("strict.json", "conflictResolutions", "conflictResolutions: Part #1: forces spinup where "
+     'ALL #1 forces overwrite on Status from "<any>" to "in work"'),
+]
+
+
+class StrictCheck(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.write_json("strict.json", STRICT_RULES)
+        self.write_json("strict-dm.json", STRICT_DATA_MODEL)
+
+    def test_every_finding_is_an_error(self):
+        result = self.tov("check", "--strict", "--rules", "strict.json", "--dm",
+                          "strict-dm.json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout.splitlines(), [
+            "strict-dm.json: Succesfully initialized DM info",
+            "strict.json: Successfully initialized TOV rules",
+        ] + [document + ": error: " + message for document, _, message in STRICT_FINDINGS])
+
+    def test_without_strict_the_same_documents_pass(self):
+        result = self.tov("check", "--rules", "strict.json", "--dm", "strict-dm.json")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout, "strict-dm.json: Succesfully initialized DM info\n"
+                                        "strict.json: Successfully initialized TOV rules\n")
+
+    def test_json_lists_them_as_faults(self):
+        result = self.tov("check", "--strict", "--format", "json", "--rules", "strict.json",
+                          "--dm", "strict-dm.json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(json.loads(result.stdout), {
+            "documents": [
+                {"document": "strict-dm.json", "comment": "Succesfully initialized DM info"},
+                {"document": "strict.json", "comment": "Successfully initialized TOV rules"}],
+            "faults": [{"document": document, "section": section, "message": message}
+                       for document, section, message in STRICT_FINDINGS],
+            "notes": []})
+
+    def test_notes_become_errors(self):
+        self.write_json("nothing.json", {})
+        result = self.tov("check", "--strict", "--rules", "nothing.json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stdout, "nothing.json: Successfully initialized TOV rules\n"
+                                        "nothing.json: error: no rules, so every request will "
+                                        "be refused with \"Uninitialized TOV rules\"\n")
+
+    def test_clean_documents_pass(self):
+        result = self.tov("check", "--strict", *self.documents())
+        self.assertEqual((result.returncode, result.stdout),
+                         (0, "dm.json: Succesfully initialized DM info\n"
+                             "rules.json: Successfully initialized TOV rules\n"))
+
+    def test_attributes_are_checked_only_with_a_data_model(self):
+        result = self.tov("check", "--strict", "--rules", "strict.json")
+        self.assertEqual(result.returncode, 1)
+        self.assertNotIn("Stauts", result.stdout)
+        self.assertNotIn("versioning attribute", result.stdout)
+        self.assertIn("repeats Part #2", result.stdout)
+
+
+class JsonFormat(ProgramTest):
+    def test_eval(self):
+        self.write_json("request.json", RETITLE)
+        result = self.tov("eval", "edit", *self.documents(), "request.json", "--format", "json")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout,
+                         '{"result":true,"comment":"Edit attempt approved","keywords":'
+                         '{"Result":"Success","ResultComment":"Edit attempt approved"},'
+                         '"options":[],"initialize":{},"missing":[]}\n')
+
+    def test_eval_decodes_triggers_options_and_what_is_missing(self):
+        for name, request, kind, expected in (
+            ("trigger", TO_REVIEW, "save", {"initialize": {"Approver": "pending"}}),
+            ("missing", base.RELEASE, "edit",
+             {"missing": ["membersOfFamily", "manualLinkAncestors"], "result": False}),
+            ("options", base.OPTIONS_SPINUP, "options", {"options": ["Revision"]}),
+        ):
+            with self.subTest(case=name):
+                self.write_json("request.json", request)
+                result = self.tov("eval", kind, *self.documents(), "request.json", "--format",
+                                  "json")
+                answer = json.loads(result.stdout)
+                for key, value in expected.items():
+                    self.assertEqual(answer[key], value)
+
+    def test_batch_carries_the_id_back(self):
+        self.write("requests.jsonl",
+                   '{"id":"a-1","kind":"edit","request":' + json.dumps(RETITLE) + "}\n"
+                   + batch_line("edit", RETITLE) + "\n"
+                   + '{"id":{"n":[1,2]},"kind":"judge"}\n')
+        result = self.tov("batch", *self.documents(), "--format", "json", "requests.jsonl")
+        self.assertEqual(result.returncode, 1)
+        approved = ('"result":true,"comment":"Edit attempt approved","keywords":{"Result":'
+                    '"Success","ResultComment":"Edit attempt approved"},"options":[],'
+                    '"initialize":{},"missing":[]}')
+        self.assertEqual(result.stdout.splitlines(), [
+            '{"id":"a-1",' + approved,
+            "{" + approved,
+            '{"id":{"n":[1,2]},"line":3,"error":"unknown kind \\"judge\\"; expected edit, '
+            'edit-before-resolution, save, save-before-resolution, link or options"}',
+        ])
+
+    def test_text_batch_ignores_the_id(self):
+        self.write("requests.jsonl",
+                   '{"id":"a-1","kind":"edit","request":' + json.dumps(RETITLE) + "}\n")
+        result = self.tov("batch", *self.documents(), "requests.jsonl")
+        self.assertEqual(result.stdout, APPROVED_EDIT + "\n")
+
+    def test_explain(self):
+        self.write_json("rules-lib.json", {"triggers": {"Library_Item": [
+            {"attribute": "Status", "triggerInitialize": "Approver",
+             "initializationValue": "x"}]}})
+        result = self.tov("explain", "--rules", "rules-lib.json", "--dm", "dm.json",
+                          "--format", "json")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(json.loads(result.stdout), {
+            "kinds": [{"kind": "trigger", "rules": [
+                'For Library_Item: When Status is edited, Approver must be initialized to '
+                '"x"']}],
+            "libraryItem": []})
+
+    def test_check_tells_faults_with_their_section(self):
+        self.write("broken.json", '{"transitions":\n  {"Part": [1,}}')
+        self.write_json("bad.json", {"transitions": {"Part": [{}]}, "manualLinks": {"A": {}}})
+        result = self.tov("check", "--rules", "bad.json", "--format", "json")
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(json.loads(result.stdout), {"documents": [], "notes": [], "faults": [
+            {"document": "bad.json", "section": "transitions",
+             "message": "Transition rule for Part demands ALL keywords: "
+                        "[attribute,fromValue,toValue]"},
+            {"document": "bad.json", "section": "manualLinks",
+             "message": "Manual Link rules for A should be in a List."}]})
+        result = self.tov("check", "--rules", "broken.json", "--format", "json")
+        self.assertEqual(json.loads(result.stdout)["faults"], [
+            {"document": "broken.json", "section": None,
+             "message": "Json has fundamental parsing error"}])
+        self.assertEqual(json.loads(result.stdout)["notes"], [
+            {"document": "broken.json", "section": None, "message": "Invalid value.",
+             "line": 2, "column": 15}])
+
+    def test_an_unknown_format(self):
+        result = self.tov("check", "--rules", "rules.json", "--format", "yaml")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertIn("--format", result.stderr)
+
+
+class Completion(unittest.TestCase):
+    SCRIPT = None
+
+    def complete(self, *words):
+        line = " ".join(words)
+        command = ('source "$1"; COMP_WORDS=(' + line + '); COMP_CWORD=' + str(len(words) - 1)
+                   + '; _tov; printf "%s\\n" "${COMPREPLY[@]}"')
+        if words[-1] == "":
+            command = command.replace("COMP_WORDS=(" + line + ")",
+                                      "COMP_WORDS=(" + line + " '')")
+        result = subprocess.run(["bash", "-c", command, "bash", self.SCRIPT],
+                                capture_output=True, text=True, timeout=30)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return result.stdout.split()
+
+    def test_the_script_parses(self):
+        result = subprocess.run(["bash", "-n", self.SCRIPT], capture_output=True, text=True)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+
+    def test_it_completes_the_commands(self):
+        self.assertEqual(self.complete("tov", "ch"), ["check"])
+        self.assertEqual(self.complete("tov", "t"), ["test"])
+        self.assertEqual(self.complete("tov", "e"), ["explain", "eval"])
+
+    def test_it_completes_options_kinds_and_formats(self):
+        self.assertEqual(self.complete("tov", "check", "--st"), ["--strict"])
+        self.assertEqual(self.complete("tov", "eval", "save"),
+                         ["save", "save-before-resolution"])
+        self.assertEqual(self.complete("tov", "graph", "--format", "m"), ["mermaid"])
+        self.assertEqual(self.complete("tov", "test", "--format", "j"), ["json", "junit"])
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 3:
+        sys.exit("usage: test_authoring.py TOV_PROGRAM SOURCE_DIR")
+    base.TOV = os.path.abspath(sys.argv[1])
+    SOURCE = os.path.abspath(sys.argv[2])
+    Completion.SCRIPT = os.path.join(SOURCE, "tools", "completion", "tov.bash")
+    unittest.main(argv=[sys.argv[0]], verbosity=2)

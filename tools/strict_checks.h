@@ -1,0 +1,23 @@
+// What tov check --strict finds in documents that load: the mistakes that the
+// library takes without a word because its documents are lenient by design.
+#ifndef TOV_TOOLS_STRICT_CHECKS_H_
+#define TOV_TOOLS_STRICT_CHECKS_H_
+
+#include <vector>
+
+#include "documents.h"
+#include "tov/tov.h"
+
+namespace tovcli {
+
+// Reads the documents of `paths` once more and appends a note for each
+// suspicious thing: unknown sections, fixed words in the wrong case or
+// unknown, attributes that `dataModel` does not describe, rules that can never
+// apply, duplicate rules, and contradictions visible without a request.
+// `dataModel` is the loaded data model, empty when none was given.
+void checkStrictly(const DocumentPaths& paths, const TOV_DMStructure& dataModel,
+                   std::vector<Finding>& findings);
+
+}  // namespace tovcli
+
+#endif  // TOV_TOOLS_STRICT_CHECKS_H_

@@ -1,0 +1,60 @@
+// Rule regression suites for tov test: a JSON document that names the rules
+// and data-model documents and lists cases, each a request with the keywords
+// its answer must hold.
+#ifndef TOV_TOOLS_TEST_SUITE_H_
+#define TOV_TOOLS_TEST_SUITE_H_
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "request_kinds.h"
+#include "tov/tov.h"
+
+namespace tovcli {
+
+struct TestCase {
+    std::string name;
+    const RequestKind* kind;
+    std::string request;                        // the request document as text
+    std::map<std::string, std::string> expect;  // keyword to its exact text
+    bool exact;                                 // no keyword beyond `expect`
+};
+
+struct TestSuite {
+    std::string path;
+    std::string rulesPath;      // resolved against the suite's folder
+    std::string dataModelPath;  // likewise
+    std::vector<TestCase> cases;
+};
+
+// Reads a suite: {"rules": PATH, "datamodel": PATH, "cases": [{"name", "kind",
+// "request" or "requestFile", "expect", "exact"}...]}, paths relative to the
+// suite's folder. False, with the message in `error`, for a suite that cannot
+// be read or is not such a document.
+bool readTestSuite(const std::string& path, std::uint64_t maxInputSize, TestSuite& suite,
+                   std::string& error);
+
+// One keyword whose text was not as expected, or that one side lacks.
+struct Mismatch {
+    std::string keyword;
+    bool expected;  // the suite expects the keyword
+    std::string expectedText;
+    bool present;  // the answer holds the keyword
+    std::string actualText;
+};
+
+// The keywords of an answer with their texts as `tov eval` prints them: the
+// result as "Result": "Success" or "Failure", and every run of white space in
+// keys and texts one blank, with none at either end.
+std::map<std::string, std::string> answerAsPrinted(const TOVResponse& response);
+
+// What differs between an answer's keywords (the result among them, as
+// "Result": "Success" or "Failure") and what the case expects.
+std::vector<Mismatch> compareAnswer(const TestCase& testCase,
+                                    const std::map<std::string, std::string>& answer);
+
+}  // namespace tovcli
+
+#endif  // TOV_TOOLS_TEST_SUITE_H_
