@@ -1,0 +1,148 @@
+#!/usr/bin/env python3
+"""Runs tov_bench and tov_bench_memory and prints the ratios that tell how the
+library's costs scale, each beside its goal.
+
+Every ratio divides two CPU-time medians of one run of tov_bench, so the
+speed of the machine cancels out; the memory ratio is the growth of the peak
+resident set while 100,000 rules load from text, over the document's size.
+
+Usage: ratios.py [--build-dir DIR] [--repetitions N] [--min-time SECONDS] [--quick]
+"""
+
+import argparse
+import json
+import os
+import re
+import statistics
+import subprocess
+import sys
+import tempfile
+
+# (what is divided, numerator, denominator, goal)
+SPEED_RATIOS = [
+    ("edit at 100 rules / parse of the request", "BM_Edit/100", "BM_ParseRequest", 2.0),
+    ("edit at 100,000 rules / edit at 100 rules", "BM_Edit/100000", "BM_Edit/100", 1.5),
+    ("load of 100,000 rules / parse of their document", "BM_LoadRules100k",
+     "BM_ParseRules100k", 3.0),
+    ("options at 100,000 rules / options at 100 rules", "BM_Options/100000", "BM_Options/100",
+     1.5),
+]
+MEMORY_RATIO = ("peak memory of a load from text / document size", "text", 3.0)
+
+NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+MEMORY_LINE = re.compile(r"^from (text|file): the load raised the peak by ([0-9.]+) MiB, "
+                         r"([0-9.]+) times the document \(process peak ([0-9.]+) MiB\)$")
+
+
+def median_cpu_times(report):
+    """CPU time in nanoseconds by benchmark name, in the order of the report:
+    the median aggregate where there is one, else the median of the name's runs."""
+    medians = {}
+    runs = {}
+    for entry in report.get("benchmarks", []):
+        if entry.get("error_occurred"):
+            raise ValueError("%s: %s" % (entry["name"], entry.get("error_message", "error")))
+        nanoseconds = entry["cpu_time"] * NANOSECONDS[entry["time_unit"]]
+        if entry.get("run_type") == "aggregate":
+            if entry.get("aggregate_name") == "median":
+                medians[entry["run_name"]] = nanoseconds
+        else:
+            runs.setdefault(entry["run_name"], []).append(nanoseconds)
+    for name, times in runs.items():
+        medians.setdefault(name, statistics.median(times))
+    return medians
+
+
+def memory_ratios(output):
+    """By form ("text", "file"): (growth in MiB, ratio to the document,
+    process peak in MiB), from tov_bench_memory's output."""
+    ratios = {}
+    for line in output.splitlines():
+        match = MEMORY_LINE.match(line)
+        if match:
+            ratios[match.group(1)] = tuple(float(match.group(i)) for i in (2, 3, 4))
+    return ratios
+
+
+def ratio_rows(times, memory):
+    """(what, measured ratio, goal) for every goal."""
+    rows = []
+    for what, numerator, denominator, goal in SPEED_RATIOS:
+        missing = [name for name in (numerator, denominator) if name not in times]
+        if missing:
+            raise ValueError("no time for " + ", ".join(missing))
+        rows.append((what, times[numerator] / times[denominator], goal))
+    what, form, goal = MEMORY_RATIO
+    if form not in memory:
+        raise ValueError("no memory measure of the load from " + form)
+    rows.append((what, memory[form][1], goal))
+    return rows
+
+
+def format_time(nanoseconds):
+    for unit in ("s", "ms", "us"):
+        if nanoseconds >= NANOSECONDS[unit]:
+            return "%.3g %s" % (nanoseconds / NANOSECONDS[unit], unit)
+    return "%.3g ns" % nanoseconds
+
+
+def format_report(times, memory, rows):
+    lines = ["CPU time, medians:"]
+    lines += ["  %-24s %10s" % (name, format_time(time)) for name, time in times.items()]
+    lines.append("Peak memory while 100,000 rules load:")
+    for form in ("text", "file"):
+        if form in memory:
+            growth, ratio, peak = memory[form]
+            lines.append("  from %s: +%.1f MiB, %.2fx the document (process peak %.1f MiB)" %
+                         (form, growth, ratio, peak))
+    lines.append("%-50s %10s %8s  %s" % ("Ratio", "measured", "goal", "met"))
+    for what, measured, goal in rows:
+        lines.append("%-50s %9.2fx %7sx  %s" % (what, measured, "<= %g" % goal,
+                                                "yes" if measured <= goal else "no"))
+    return "\n".join(lines)
+
+
+def run_benchmark(program, repetitions, min_time):
+    with tempfile.TemporaryDirectory() as folder:
+        out = os.path.join(folder, "tov_bench.json")
+        command = [program, "--benchmark_out=" + out, "--benchmark_out_format=json",
+                   "--benchmark_min_time=%g" % min_time]
+        if repetitions > 1:
+            command += ["--benchmark_repetitions=%d" % repetitions,
+                        "--benchmark_report_aggregates_only=true"]
+        subprocess.run(command, check=True, stdout=sys.stderr)
+        with open(out, encoding="utf-8") as report:
+            return json.load(report)
+
+
+def main():
+    root = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--build-dir", default=os.path.join(root, "build", "default"),
+                        help="the build folder that holds bench/ (default: build/default)")
+    parser.add_argument("--repetitions", type=int, default=5,
+                        help="repetitions of every benchmark, whose median counts (default 5)")
+    parser.add_argument("--min-time", type=float, default=0.5,
+                        help="seconds that each repetition runs at least (default 0.5)")
+    parser.add_argument("--quick", action="store_true",
+                        help="one iteration of each, to check that everything runs")
+    arguments = parser.parse_args()
+    if arguments.quick:
+        arguments.repetitions, arguments.min_time = 1, 0.0
+
+    bench = os.path.join(arguments.build_dir, "bench")
+    try:
+        times = median_cpu_times(run_benchmark(os.path.join(bench, "tov_bench"),
+                                               arguments.repetitions, arguments.min_time))
+        measured = subprocess.run([os.path.join(bench, "tov_bench_memory")], check=True,
+                                  stdout=subprocess.PIPE, universal_newlines=True).stdout
+        memory = memory_ratios(measured)
+        print(format_report(times, memory, ratio_rows(times, memory)))
+    except (OSError, subprocess.CalledProcessError, ValueError) as error:
+        print("ratios.py: %s" % error, file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
