@@ -3,8 +3,9 @@
 # installs what is missing; otherwise it prints the command to run.
 set -eu
 
-PACKAGES="cmake ninja-build g++ clang pkg-config rapidjson-dev libgtest-dev libgmock-dev \
-libbenchmark-dev libcli11-dev libclang-rt-14-dev python3 python3-jsonschema"
+PACKAGES="cmake ninja-build g++ clang clang-format clang-tidy pkg-config rapidjson-dev libgtest-dev \
+libgmock-dev libbenchmark-dev libcli11-dev libclang-rt-14-dev python3 python3-jsonschema \
+python3-pytest python3-pip python3-setuptools python3-wheel"
 
 missing=""
 for package in $PACKAGES; do
