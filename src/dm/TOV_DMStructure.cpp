@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 #include "tov/string_helpers.h"
 
@@ -103,6 +104,9 @@ bool TOV_DMStructure::areRLITypesThatShouldBeConsideredEqual(const std::string& 
 }
 
 void TOV_DMStructure::printContentsDBG(TOVLogger* logger) const {
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog("---------------------------------All DM Info---------------------------");
     logger->printToLog(("Overwrite Label: " + overwriteLabel).c_str());
     logger->printToLog("---------DM Structure Objects -----------");

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "dm/object_type_matching.h"
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
@@ -50,6 +51,10 @@ void TOVLifecycleBusinessRules::forEachRuleList(Store& store, Visit&& visit) {
 template <typename Rule>
 void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vector<Rule>& rules,
                                            TOVLogger* logger) {
+    // A load prints every rule; with logging off that would be most of its cost.
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog(heading);
     for (const Rule& rule : rules) {
         rule.printContentsDBG(logger);
@@ -224,8 +229,8 @@ bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
 void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
     const char* heading, const std::string& objectType, const std::vector<std::string>& attributes,
     const AttributesMap& toValues, int count, TOVLogger* logger) const {
-    // Without a logger the lookup says nothing, so the text is not built either.
-    if (logger == nullptr) {
+    // Without a reader the lookup says nothing, so the text is not built either.
+    if (!isLogRead(logger)) {
         return;
     }
     const std::string message =
