@@ -171,6 +171,8 @@ private:
     template <typename Store, typename Visit>
     static void forEachRuleList(Store& store, Visit&& visit);
     template <typename Rule>
+    static void sortRulesOfKind(std::vector<Rule>& rules);
+    template <typename Rule>
     static void printRules(const char* heading, const std::vector<Rule>& rules, TOVLogger* logger);
     template <typename Rule>
     void printRulesOfKind(TOVLogger* logger) const;

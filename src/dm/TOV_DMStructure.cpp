@@ -1,6 +1,7 @@
 #include "tov/TOV_DMStructure.h"
 
 #include "dm/object_type_matching.h"
+#include "foundation/compare.h"
 
 #include <algorithm>
 
@@ -92,8 +93,8 @@ bool TOV_DMStructure::areObjectTypesThatShouldBeConsideredEqual(const std::strin
 
 bool TOV_DMStructure::areRLITypesThatShouldBeConsideredEqual(const std::string& first,
                                                              const std::string& second) const {
-    const bool firstIsGeneric = areStringsEqualSimple(first, TOVAttrItemValue_Library_Item);
-    const bool secondIsGeneric = areStringsEqualSimple(second, TOVAttrItemValue_Library_Item);
+    const bool firstIsGeneric = equalsIgnoringCase(first, TOVAttrItemValue_Library_Item);
+    const bool secondIsGeneric = equalsIgnoringCase(second, TOVAttrItemValue_Library_Item);
     if (firstIsGeneric) {
         return secondIsGeneric || isThisAnRLIObjectType(second);
     }
