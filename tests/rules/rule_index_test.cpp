@@ -37,6 +37,7 @@ std::string inWords(const Rule& rule) {
 // Each kind: how to make a rule of an object type and attribute whose identity
 // carries `label`, how to tell it, and how the store adds and selects it.
 struct Transitions {
+    static constexpr const char* kName = "Transitions";
     using Rule = TOVTransition;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -57,6 +58,7 @@ struct Transitions {
 };
 
 struct FreezeRules {
+    static constexpr const char* kName = "FreezeRules";
     using Rule = TOVTransitionFreeze;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -77,6 +79,7 @@ struct FreezeRules {
 };
 
 struct Triggers {
+    static constexpr const char* kName = "Triggers";
     using Rule = TOVTrigger;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -97,6 +100,7 @@ struct Triggers {
 };
 
 struct FileConstraints {
+    static constexpr const char* kName = "FileConstraints";
     using Rule = TOVFileConstraint;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -117,6 +121,7 @@ struct FileConstraints {
 };
 
 struct ConflictResolutions {
+    static constexpr const char* kName = "ConflictResolutions";
     using Rule = TOVConflictResolution;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -138,6 +143,7 @@ struct ConflictResolutions {
 
 // Link rules whose to value is "<any>", so that the value never decides.
 struct HistoryLinks {
+    static constexpr const char* kName = "HistoryLinks";
     using Rule = TOVHistoryLink;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -159,6 +165,7 @@ struct HistoryLinks {
 };
 
 struct ManualLinks {
+    static constexpr const char* kName = "ManualLinks";
     using Rule = TOVManualLink;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -181,6 +188,7 @@ struct ManualLinks {
 // A selection rule has no single attribute: its condition is on the attribute,
 // and the asked attributes become the packet.
 struct VersioningSelections {
+    static constexpr const char* kName = "VersioningSelections";
     using Rule = TOVVersioningSelection;
     static Rule make(const std::string& type, const std::string& attribute,
                      const std::string& label) {
@@ -218,7 +226,14 @@ class RuleIndex : public testing::Test {};
 
 using Kinds = testing::Types<Transitions, FreezeRules, Triggers, FileConstraints,
                              ConflictResolutions, HistoryLinks, ManualLinks, VersioningSelections>;
-TYPED_TEST_SUITE(RuleIndex, Kinds);
+// Names the instances by kind, so that a failure says which.
+struct KindName {
+    template <typename Kind>
+    static std::string GetName(int /*index*/) {
+        return Kind::kName;
+    }
+};
+TYPED_TEST_SUITE(RuleIndex, Kinds, KindName);
 
 // One store of every sort of object type, in this stored order; "ALL" reaches
 // the store as "<any>", as the rules document rewrites it.
