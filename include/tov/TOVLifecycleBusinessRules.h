@@ -30,7 +30,7 @@ public:
     TOVLifecycleBusinessRules();
 
     // Each setter replaces a whole list by a copy; each appender copies one rule
-    // to the end of its list.
+    // to the end of its list, or moves it there when it is handed over.
     void setTransitionsFreeze(const std::vector<TOVTransitionFreeze>& rules);
     void setHistoryLinks(const std::vector<TOVHistoryLink>& rules);
     void setManualLinks(const std::vector<TOVManualLink>& rules);
@@ -41,13 +41,21 @@ public:
     void setTriggers(const std::vector<TOVTrigger>& rules);
 
     void appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule);
+    void appendNewTransitionFreezeRule(TOVTransitionFreeze&& rule);
     void appendNewHistoryLinkRule(const TOVHistoryLink& rule);
+    void appendNewHistoryLinkRule(TOVHistoryLink&& rule);
     void appendNewManualLinkRule(const TOVManualLink& rule);
+    void appendNewManualLinkRule(TOVManualLink&& rule);
     void appendNewTransitionRule(const TOVTransition& rule);
+    void appendNewTransitionRule(TOVTransition&& rule);
     void appendNewFileConstraintRule(const TOVFileConstraint& rule);
+    void appendNewFileConstraintRule(TOVFileConstraint&& rule);
     void appendNewVersioningAttrSelectionRule(const TOVVersioningSelection& rule);
+    void appendNewVersioningAttrSelectionRule(TOVVersioningSelection&& rule);
     void appendNewConflictResolutionRule(const TOVConflictResolution& rule);
+    void appendNewConflictResolutionRule(TOVConflictResolution&& rule);
     void appendNewTriggerRule(const TOVTrigger& rule);
+    void appendNewTriggerRule(TOVTrigger&& rule);
 
     void clearAllRules();
     // Sorts every list by its rule's operator<. Evaluation reports the first
@@ -177,8 +185,7 @@ private:
     static void replaceRules(std::vector<Rule>& rules, PositionsByObjectType& index,
                              const std::vector<Rule>& replacement);
     template <typename Rule>
-    static void appendRule(std::vector<Rule>& rules, PositionsByObjectType& index,
-                           const Rule& rule);
+    static void appendRule(std::vector<Rule>& rules, PositionsByObjectType& index, Rule rule);
     // Calls `visit(list, index)` on each of the eight lists with its index.
     template <typename Store, typename Visit>
     static void forEachIndexedList(Store& store, Visit&& visit);

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "dm/object_type_matching.h"
 #include "foundation/compare.h"
@@ -166,9 +167,9 @@ void TOVLifecycleBusinessRules::replaceRules(std::vector<Rule>& rules, Positions
 
 template <typename Rule>
 void TOVLifecycleBusinessRules::appendRule(std::vector<Rule>& rules, PositionsByObjectType& index,
-                                           const Rule& rule) {
-    rules.push_back(rule);
-    index[foldedObjectType(rule.getObjectType())].push_back(rules.size() - 1);
+                                           Rule rule) {
+    index[foldedObjectType(rule.getObjectType())].push_back(rules.size());
+    rules.push_back(std::move(rule));
 }
 
 // Every lookup keeps, in stored order, each rule whose object type matches and
@@ -291,27 +292,52 @@ void TOVLifecycleBusinessRules::setTriggers(const std::vector<TOVTrigger>& rules
 void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule) {
     appendRule(transitionsFreeze, transitionsFreezeIndex, rule);
 }
+void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(TOVTransitionFreeze&& rule) {
+    appendRule(transitionsFreeze, transitionsFreezeIndex, std::move(rule));
+}
 void TOVLifecycleBusinessRules::appendNewHistoryLinkRule(const TOVHistoryLink& rule) {
     appendRule(historyLinks, historyLinksIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewHistoryLinkRule(TOVHistoryLink&& rule) {
+    appendRule(historyLinks, historyLinksIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewManualLinkRule(const TOVManualLink& rule) {
     appendRule(manualLinks, manualLinksIndex, rule);
 }
+void TOVLifecycleBusinessRules::appendNewManualLinkRule(TOVManualLink&& rule) {
+    appendRule(manualLinks, manualLinksIndex, std::move(rule));
+}
 void TOVLifecycleBusinessRules::appendNewTransitionRule(const TOVTransition& rule) {
     appendRule(transitions, transitionsIndex, rule);
 }
+void TOVLifecycleBusinessRules::appendNewTransitionRule(TOVTransition&& rule) {
+    appendRule(transitions, transitionsIndex, std::move(rule));
+}
 void TOVLifecycleBusinessRules::appendNewFileConstraintRule(const TOVFileConstraint& rule) {
     appendRule(fileConstraints, fileConstraintsIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewFileConstraintRule(TOVFileConstraint&& rule) {
+    appendRule(fileConstraints, fileConstraintsIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewVersioningAttrSelectionRule(
     const TOVVersioningSelection& rule) {
     appendRule(versioningSelections, versioningSelectionsIndex, rule);
 }
+void TOVLifecycleBusinessRules::appendNewVersioningAttrSelectionRule(
+    TOVVersioningSelection&& rule) {
+    appendRule(versioningSelections, versioningSelectionsIndex, std::move(rule));
+}
 void TOVLifecycleBusinessRules::appendNewConflictResolutionRule(const TOVConflictResolution& rule) {
     appendRule(conflictResolutions, conflictResolutionsIndex, rule);
 }
+void TOVLifecycleBusinessRules::appendNewConflictResolutionRule(TOVConflictResolution&& rule) {
+    appendRule(conflictResolutions, conflictResolutionsIndex, std::move(rule));
+}
 void TOVLifecycleBusinessRules::appendNewTriggerRule(const TOVTrigger& rule) {
     appendRule(triggers, triggersIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewTriggerRule(TOVTrigger&& rule) {
+    appendRule(triggers, triggersIndex, std::move(rule));
 }
 
 void TOVLifecycleBusinessRules::clearAllRules() {
