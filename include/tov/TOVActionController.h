@@ -41,6 +41,9 @@ protected:
     bool isInputDataSufficientUpdateResponse(TOVResponse& response);
     // Exact lookup of a label; `out` is left alone on a miss.
     bool getInputStringWithThisLabel(const std::string& label, std::string& out);
+    // The text under `label` where it lies, or an empty text on a miss: a whole
+    // document reaches its parser without a copy.
+    const std::string& getInputWithThisLabel(const std::string& label) const;
     // True when the input holds `label` with a non-empty value: what every
     // controller asks before it parses.
     bool hasNonEmptyInputWithThisLabel(const std::string& label);

@@ -47,6 +47,9 @@ public:
 private:
     friend class TOVLifecycleBusinessRules;
 
+    // operator<'s fields folded once: keys in byte order sort as operator< does.
+    void appendSortKey(std::string& key) const;
+
     bool doesThisTransitionHaveAConstrainedConflictResolutionNoType(
         const AttributesMap& initial, const AttributesMap& target,
         TOVConflictResolutionValues& value) const;

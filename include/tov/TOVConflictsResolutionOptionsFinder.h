@@ -14,6 +14,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tov/TOVActionController.h"
@@ -51,9 +52,15 @@ public:
     void setObjectType(const std::string& type) { objectType = type; }
     const AttributesMap& getInitialAttributes() const { return initialAttributes; }
     void setInitialAttributes(const AttributesMap& attributes) { initialAttributes = attributes; }
+    void setInitialAttributes(AttributesMap&& attributes) {
+        initialAttributes = std::move(attributes);
+    }
     bool getValueOfInitialAttribute(const std::string& name, std::string& value) const;
     const AttributesMap& getTargetAttributes() const { return targetAttributes; }
     void setTargetAttributes(const AttributesMap& attributes) { targetAttributes = attributes; }
+    void setTargetAttributes(AttributesMap&& attributes) {
+        targetAttributes = std::move(attributes);
+    }
     bool getValueOfTargetAttribute(const std::string& name, std::string& value) const;
     // Stores the value under the name, replacing what stood there. A null name
     // stores nothing; a null value is stored as the empty text.

@@ -19,6 +19,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tov/TOVActionController.h"
@@ -59,8 +60,10 @@ public:
     void setObjectType(const std::string& type) { objectType = type; }
     const AttributesMap& getFromValues() const { return fromValues; }
     void setFromValues(const AttributesMap& values) { fromValues = values; }
+    void setFromValues(AttributesMap&& values) { fromValues = std::move(values); }
     const AttributesMap& getToValues() const { return toValues; }
     void setToValues(const AttributesMap& values) { toValues = values; }
+    void setToValues(AttributesMap&& values) { toValues = std::move(values); }
 
     // Each family member and each manual link ancestor is a packet with its
     // server id under "ServerId".

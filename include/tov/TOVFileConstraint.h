@@ -38,6 +38,9 @@ public:
 private:
     friend class TOVLifecycleBusinessRules;
 
+    // operator<'s fields folded once: keys in byte order sort as operator< does.
+    void appendSortKey(std::string& key) const;
+
     void expressFileConstraintInWords(std::string& text) const;
     void printContentsDBG(TOVLogger* logger) const;
 

@@ -4,8 +4,10 @@
 #ifndef TOV_TOVLIFECYCLEBUSINESSRULES_H_
 #define TOV_TOVLIFECYCLEBUSINESSRULES_H_
 
+#include <cstddef>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -28,32 +30,32 @@ public:
     TOVLifecycleBusinessRules();
 
     // Each setter replaces a whole list by a copy; each appender copies one rule
-    // to the end of its list.
-    void setTransitionsFreeze(const std::vector<TOVTransitionFreeze>& rules) {
-        transitionsFreeze = rules;
-    }
-    void setHistoryLinks(const std::vector<TOVHistoryLink>& rules) { historyLinks = rules; }
-    void setManualLinks(const std::vector<TOVManualLink>& rules) { manualLinks = rules; }
-    void setTransitions(const std::vector<TOVTransition>& rules) { transitions = rules; }
-    void setFileConstraints(const std::vector<TOVFileConstraint>& rules) {
-        fileConstraints = rules;
-    }
-    void setVersioningAttributesSelections(const std::vector<TOVVersioningSelection>& rules) {
-        versioningSelections = rules;
-    }
-    void setConflictsResolutions(const std::vector<TOVConflictResolution>& rules) {
-        conflictResolutions = rules;
-    }
-    void setTriggers(const std::vector<TOVTrigger>& rules) { triggers = rules; }
+    // to the end of its list, or moves it there when it is handed over.
+    void setTransitionsFreeze(const std::vector<TOVTransitionFreeze>& rules);
+    void setHistoryLinks(const std::vector<TOVHistoryLink>& rules);
+    void setManualLinks(const std::vector<TOVManualLink>& rules);
+    void setTransitions(const std::vector<TOVTransition>& rules);
+    void setFileConstraints(const std::vector<TOVFileConstraint>& rules);
+    void setVersioningAttributesSelections(const std::vector<TOVVersioningSelection>& rules);
+    void setConflictsResolutions(const std::vector<TOVConflictResolution>& rules);
+    void setTriggers(const std::vector<TOVTrigger>& rules);
 
     void appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule);
+    void appendNewTransitionFreezeRule(TOVTransitionFreeze&& rule);
     void appendNewHistoryLinkRule(const TOVHistoryLink& rule);
+    void appendNewHistoryLinkRule(TOVHistoryLink&& rule);
     void appendNewManualLinkRule(const TOVManualLink& rule);
+    void appendNewManualLinkRule(TOVManualLink&& rule);
     void appendNewTransitionRule(const TOVTransition& rule);
+    void appendNewTransitionRule(TOVTransition&& rule);
     void appendNewFileConstraintRule(const TOVFileConstraint& rule);
+    void appendNewFileConstraintRule(TOVFileConstraint&& rule);
     void appendNewVersioningAttrSelectionRule(const TOVVersioningSelection& rule);
+    void appendNewVersioningAttrSelectionRule(TOVVersioningSelection&& rule);
     void appendNewConflictResolutionRule(const TOVConflictResolution& rule);
+    void appendNewConflictResolutionRule(TOVConflictResolution&& rule);
     void appendNewTriggerRule(const TOVTrigger& rule);
+    void appendNewTriggerRule(TOVTrigger&& rule);
 
     void clearAllRules();
     // Sorts every list by its rule's operator<. Evaluation reports the first
@@ -147,29 +149,46 @@ private:
     }
     const std::vector<TOVTrigger>& getTriggers() const { return triggers; }
 
+    // Positions in one list grouped by the case-folded object type of their
+    // rules, each group in stored order: a lookup visits only the groups that
+    // can match the asked type ("<any>" and "library_item" are groups too).
+    using PositionsByObjectType = std::unordered_map<std::string, std::vector<std::size_t>>;
+
     // Shared bodies of the lookups and prints; the rules' accessors are private
     // to everyone but the store.
     template <typename Rule, typename Holds>
-    static bool selectRules(const std::vector<Rule>& rules, const std::string& objectType,
-                            const TOV_DMStructure* structure, std::vector<const Rule*>& related,
-                            Holds&& holds);
+    static bool selectRules(const std::vector<Rule>& rules, const PositionsByObjectType& index,
+                            const std::string& objectType, const TOV_DMStructure* structure,
+                            std::vector<const Rule*>& related, Holds&& holds);
     template <typename Rule>
-    static bool selectRelatedRules(const std::vector<Rule>& rules, const std::string& objectType,
+    static bool selectRelatedRules(const std::vector<Rule>& rules,
+                                   const PositionsByObjectType& index,
+                                   const std::string& objectType,
                                    const std::vector<std::string>& attributes,
                                    const TOV_DMStructure* structure,
                                    std::vector<const Rule*>& related);
     template <typename Rule>
-    static bool selectRelatedLinkRules(const std::vector<Rule>& rules,
-                                       const std::string& objectType,
-                                       const std::vector<std::string>& attributes,
-                                       const AttributesMap& fromValues,
-                                       const AttributesMap& toValues,
-                                       const TOV_DMStructure* structure,
-                                       std::vector<const Rule*>& related);
+    static bool selectRelatedLinkRules(
+        const std::vector<Rule>& rules, const PositionsByObjectType& index,
+        const std::string& objectType, const std::vector<std::string>& attributes,
+        const AttributesMap& fromValues, const AttributesMap& toValues,
+        const TOV_DMStructure* structure, std::vector<const Rule*>& related);
     // Calls `visit(list, heading, label)` on each of the eight lists of
     // `store`, const or not.
     template <typename Store, typename Visit>
     static void forEachRuleList(Store& store, Visit&& visit);
+    template <typename Rule>
+    static void sortRulesOfKind(std::vector<Rule>& rules);
+    template <typename Rule>
+    static void indexRules(const std::vector<Rule>& rules, PositionsByObjectType& index);
+    template <typename Rule>
+    static void replaceRules(std::vector<Rule>& rules, PositionsByObjectType& index,
+                             const std::vector<Rule>& replacement);
+    template <typename Rule>
+    static void appendRule(std::vector<Rule>& rules, PositionsByObjectType& index, Rule rule);
+    // Calls `visit(list, index)` on each of the eight lists with its index.
+    template <typename Store, typename Visit>
+    static void forEachIndexedList(Store& store, Visit&& visit);
     template <typename Rule>
     static void printRules(const char* heading, const std::vector<Rule>& rules, TOVLogger* logger);
     template <typename Rule>
@@ -189,6 +208,16 @@ private:
     std::vector<TOVVersioningSelection> versioningSelections;
     std::vector<TOVConflictResolution> conflictResolutions;
     std::vector<TOVTrigger> triggers;
+
+    // Built by every operation that changes a list, so never stale.
+    PositionsByObjectType transitionsFreezeIndex;
+    PositionsByObjectType historyLinksIndex;
+    PositionsByObjectType manualLinksIndex;
+    PositionsByObjectType transitionsIndex;
+    PositionsByObjectType fileConstraintsIndex;
+    PositionsByObjectType versioningSelectionsIndex;
+    PositionsByObjectType conflictResolutionsIndex;
+    PositionsByObjectType triggersIndex;
 };
 
 #endif  // TOV_TOVLIFECYCLEBUSINESSRULES_H_

@@ -6,6 +6,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 
 #include "tov/TOVActionController.h"
 #include "tov/export.h"
@@ -34,9 +35,15 @@ public:
     void setAttributesOfAncestor(const AttributesMap& attributes) {
         attributesOfAncestor = attributes;
     }
+    void setAttributesOfAncestor(AttributesMap&& attributes) {
+        attributesOfAncestor = std::move(attributes);
+    }
     const AttributesMap& getAttributesOfDescendant() const { return attributesOfDescendant; }
     void setAttributesOfDescendant(const AttributesMap& attributes) {
         attributesOfDescendant = attributes;
+    }
+    void setAttributesOfDescendant(AttributesMap&& attributes) {
+        attributesOfDescendant = std::move(attributes);
     }
 
 protected:

@@ -31,6 +31,10 @@ public:
 
     std::string getFile() const { return file; }
 
+    // False when messages go nowhere, so that callers can skip building text
+    // that no one would read.
+    bool writesAnywhere() const { return whereToLog == LogToConsole || whereToLog == LogToFile; }
+
 private:
     WhereToLog getWhereToLog() const { return whereToLog; }
     void setWhereToLog(WhereToLog destination) { whereToLog = destination; }

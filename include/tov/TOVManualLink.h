@@ -31,6 +31,9 @@ public:
 private:
     friend class TOVLifecycleBusinessRules;
 
+    // operator<'s fields folded once: keys in byte order sort as operator< does.
+    void appendSortKey(std::string& key) const;
+
     bool isValueAmongstAcceptables(const std::string& value) const;
     void sortAcceptableValues();
     void printContentsDBG(TOVLogger* logger) const;

@@ -39,6 +39,9 @@ public:
 private:
     friend class TOVLifecycleBusinessRules;
 
+    // operator<'s fields folded once: keys in byte order sort as operator< does.
+    void appendSortKey(std::string& key) const;
+
     void printContentsDBG(TOVLogger* logger) const;
 
     std::string getObjectType() const { return objectType; }

@@ -41,6 +41,9 @@ public:
 private:
     friend class TOVLifecycleBusinessRules;
 
+    // operator<'s fields folded once: keys in byte order sort as operator< does.
+    void appendSortKey(std::string& key) const;
+
     bool isConditionMetByAttributesMap(const std::string& attributeName,
                                        const std::vector<std::string>& values,
                                        const AttributesMap& packet) const;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 #include "tov/string_helpers.h"
 
@@ -38,6 +39,10 @@ bool TOVFrontdesk::getIncomingStringAndLabelItAs(const std::string& label,
 }
 
 void TOVFrontdesk::printTitledStringToLog(const char* title, const std::string& text) {
+    // The text may be a whole request; quoting it for no reader would copy it twice.
+    if (!isLogRead(brain.getLogger())) {
+        return;
+    }
     const std::string message = std::string(title) + createStringInQuotes(text.c_str());
     brain.getLogger()->printToLog(message.c_str());
 }

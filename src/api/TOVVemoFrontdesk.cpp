@@ -1,5 +1,6 @@
 #include "api/TOVVemoFrontdesk.h"
 
+#include "foundation/log_reading.h"
 #include "tov/TOVTransactionController.h"
 
 TOVVemoFrontdesk::TOVVemoFrontdesk(TOVFunctionality functionality) : TOVFrontdesk(functionality) {}
@@ -20,5 +21,8 @@ void TOVVemoFrontdesk::borrowData(TOVCoreDataControllers* coreData) {
 }
 
 void TOVVemoFrontdesk::printResponseToLog(const char* title, const TOVResponse& result) {
+    if (!isLogRead(getTOVBrain()->getLogger())) {
+        return;
+    }
     printTitledStringToLog(title, result.turnResponseIntoASingleString());
 }

@@ -1,5 +1,6 @@
 #include "tov/TOV_DMAttribute.h"
 
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 
 TOV_DMAttribute::TOV_DMAttribute() : type(REGULAR), primary(false) {}
@@ -48,6 +49,9 @@ std::string TOV_DMAttribute::expressAttributeCategoryInWords() const {
 }
 
 void TOV_DMAttribute::printContentsDBG(TOVLogger* logger) const {
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog("*Attribute:");
     logger->printToLog(("Name : " + name).c_str());
     logger->printToLog(("Category : " + expressAttributeCategoryInWords()).c_str());

@@ -1,9 +1,11 @@
 #include "tov/TOV_DMStructure.h"
 
 #include "dm/object_type_matching.h"
+#include "foundation/compare.h"
 
 #include <algorithm>
 
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 #include "tov/string_helpers.h"
 
@@ -91,8 +93,8 @@ bool TOV_DMStructure::areObjectTypesThatShouldBeConsideredEqual(const std::strin
 
 bool TOV_DMStructure::areRLITypesThatShouldBeConsideredEqual(const std::string& first,
                                                              const std::string& second) const {
-    const bool firstIsGeneric = areStringsEqualSimple(first, TOVAttrItemValue_Library_Item);
-    const bool secondIsGeneric = areStringsEqualSimple(second, TOVAttrItemValue_Library_Item);
+    const bool firstIsGeneric = equalsIgnoringCase(first, TOVAttrItemValue_Library_Item);
+    const bool secondIsGeneric = equalsIgnoringCase(second, TOVAttrItemValue_Library_Item);
     if (firstIsGeneric) {
         return secondIsGeneric || isThisAnRLIObjectType(second);
     }
@@ -103,6 +105,9 @@ bool TOV_DMStructure::areRLITypesThatShouldBeConsideredEqual(const std::string& 
 }
 
 void TOV_DMStructure::printContentsDBG(TOVLogger* logger) const {
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog("---------------------------------All DM Info---------------------------");
     logger->printToLog(("Overwrite Label: " + overwriteLabel).c_str());
     logger->printToLog("---------DM Structure Objects -----------");

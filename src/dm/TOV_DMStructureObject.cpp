@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 
 TOV_DMStructureObject::TOV_DMStructureObject(const std::string& name)
@@ -110,6 +111,9 @@ void TOV_DMStructureObject::sortMySecondaryAttributes() {
 }
 
 void TOV_DMStructureObject::printContentsDBG(TOVLogger* logger) const {
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog("-------------------------DM Structure object-------------------------");
     logger->printToLog(("name: " + name).c_str());
     logger->printToLog(("object category: " + expressObjectCategoryInWords()).c_str());

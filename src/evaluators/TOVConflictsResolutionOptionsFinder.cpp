@@ -60,9 +60,8 @@ bool TOVConflictsResolutionOptionsFinder::isInputDataSufficient() {
 }
 
 bool TOVConflictsResolutionOptionsFinder::parseInputData(TOVResponse& response) {
-    std::string input;
-    getInputStringWithThisLabel(getInputDataLabelIdentifierForConflictsResolutionOptionsQuery(),
-                                input);
+    const std::string& input =
+        getInputWithThisLabel(getInputDataLabelIdentifierForConflictsResolutionOptionsQuery());
 
     TOVConflictsResolutionOptionsFinderParser parser(this);
     return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);

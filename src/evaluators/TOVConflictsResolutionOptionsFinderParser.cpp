@@ -1,5 +1,7 @@
 #include "evaluators/TOVConflictsResolutionOptionsFinderParser.h"
 
+#include <utility>
+
 #include "tov/TOVConflictsResolutionOptionsFinder.h"
 
 TOVConflictsResolutionOptionsFinderParser::TOVConflictsResolutionOptionsFinderParser(
@@ -56,7 +58,7 @@ bool TOVVersionerInitialAttributesParser::parseSection(
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, attributes)) {
         return false;
     }
-    finder->setInitialAttributes(attributes);
+    finder->setInitialAttributes(std::move(attributes));
     return true;
 }
 
@@ -77,7 +79,7 @@ bool TOVVersionerTargetAttributesParser::parseSection(rapidjson::Value& root,
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, attributes)) {
         return false;
     }
-    finder->setTargetAttributes(attributes);
+    finder->setTargetAttributes(std::move(attributes));
     return true;
 }
 

@@ -81,8 +81,8 @@ bool TOVEditController::isInputDataSufficient() {
 }
 
 bool TOVEditController::parseInputData(TOVResponse& response) {
-    std::string input;
-    getInputStringWithThisLabel(getInputDataLabelIdentifierForTransitionData(), input);
+    const std::string& input =
+        getInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
 
     TOVTransitionJsonParser parser(this);
     if (!parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {

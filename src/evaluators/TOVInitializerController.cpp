@@ -27,8 +27,7 @@ bool TOVInitializerController::isInputDataSufficient() {
 }
 
 bool TOVInitializerController::parseInputData(TOVResponse& response) {
-    std::string input;
-    getInputStringWithThisLabel(getInputDataLabelIdentifierForAllRules(), input);
+    const std::string& input = getInputWithThisLabel(getInputDataLabelIdentifierForAllRules());
 
     TOVInitializationJsonParser parser(getLifecycleBusinessRules());
     if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {

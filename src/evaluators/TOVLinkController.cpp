@@ -29,8 +29,8 @@ bool TOVLinkController::isInputDataSufficient() {
 }
 
 bool TOVLinkController::parseInputData(TOVResponse& response) {
-    std::string input;
-    getInputStringWithThisLabel(getInputDataLabelIndentifierForLinkCreationData(), input);
+    const std::string& input =
+        getInputWithThisLabel(getInputDataLabelIndentifierForLinkCreationData());
 
     TOVLinkCreationParser parser(this);
     return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);

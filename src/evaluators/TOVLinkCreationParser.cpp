@@ -1,5 +1,7 @@
 #include "evaluators/TOVLinkCreationParser.h"
 
+#include <utility>
+
 #include "tov/TOVLinkController.h"
 
 TOVLinkCreationParser::TOVLinkCreationParser(TOVLinkController* controller)
@@ -65,7 +67,7 @@ bool TOVAncestorJsonParser::parseSection(rapidjson::Value& root, TOVLinkControll
         return false;
     }
     controller->setTypeOfAncestor(type);
-    controller->setAttributesOfAncestor(attributes);
+    controller->setAttributesOfAncestor(std::move(attributes));
     return true;
 }
 
@@ -83,6 +85,6 @@ bool TOVDescendantJsonParser::parseSection(rapidjson::Value& root, TOVLinkContro
         return false;
     }
     controller->setTypeOfDescendant(type);
-    controller->setAttributesOfDescendant(attributes);
+    controller->setAttributesOfDescendant(std::move(attributes));
     return true;
 }

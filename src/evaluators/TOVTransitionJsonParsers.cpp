@@ -1,5 +1,7 @@
 #include "evaluators/TOVTransitionJsonParsers.h"
 
+#include <utility>
+
 #include "tov/TOVEditController.h"
 #include "tov/attribute_packets.h"
 #include "tov/string_helpers.h"
@@ -162,7 +164,7 @@ bool TOVInitialAttributesParser::parseSection(rapidjson::Value& root,
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, values)) {
         return false;
     }
-    controller->setFromValues(values);
+    controller->setFromValues(std::move(values));
     return true;
 }
 
@@ -186,7 +188,7 @@ bool TOVTargetAttributesParser::parseSection(rapidjson::Value& root,
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, values)) {
         return false;
     }
-    controller->setToValues(values);
+    controller->setToValues(std::move(values));
     return true;
 }
 

@@ -27,8 +27,7 @@ bool TOV_DMInfoInitializerController::isInputDataSufficient() {
 }
 
 bool TOV_DMInfoInitializerController::parseInputData(TOVResponse& response) {
-    std::string input;
-    getInputStringWithThisLabel(getInputDataLabelIdentifierForAllDMInfo(), input);
+    const std::string& input = getInputWithThisLabel(getInputDataLabelIdentifierForAllDMInfo());
 
     TOV_DMInfoJsonParser parser(getLifecycleDMInfo());
     if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {

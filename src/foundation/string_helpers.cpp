@@ -3,17 +3,18 @@
 #include <algorithm>
 #include <cctype>
 #include <climits>
+#include <cstdint>
+#include <cstring>
 
 #include "foundation/compare.h"
 
 namespace {
 
-// tolower is only defined for values an unsigned char can hold; bytes beyond
-// ASCII have no case to fold in the byte-wise comparison anyway.
+// Bytes beyond ASCII have no case and count as negative, as a signed char
+// holds them.
 int foldByte(char byte) {
     // NOLINTNEXTLINE(bugprone-signed-char-misuse): negative on purpose, see above.
-    const int value = static_cast<signed char>(byte);
-    return value < 0 ? value : std::tolower(value);
+    return static_cast<signed char>(foldAsciiCase(byte));
 }
 
 bool isWhiteSpace(char byte) {
@@ -44,6 +45,44 @@ int compareStringsIgnoringCase(const std::string& first, const std::string& seco
     return difference;
 }
 
+bool equalsIgnoringCase(const std::string& text, const char* word) {
+    const std::size_t length = std::strlen(word);
+    if (text.size() != length) {
+        return false;
+    }
+    for (std::size_t i = 0; i < length; ++i) {
+        if (foldAsciiCase(text[i]) != foldAsciiCase(word[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void appendFoldedSortKey(const std::string& text, std::string& key) {
+    const auto length = static_cast<std::uint64_t>(text.size());
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        key.push_back(static_cast<char>((length >> shift) & 0xFFU));
+    }
+    for (const char byte : text) {
+        key.push_back(static_cast<char>(static_cast<unsigned char>(foldAsciiCase(byte)) ^ 0x80U));
+    }
+}
+
+void appendIntegerSortKey(int value, std::string& key) {
+    const std::uint32_t bits = static_cast<std::uint32_t>(value) ^ 0x80000000U;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        key.push_back(static_cast<char>((bits >> shift) & 0xFFU));
+    }
+}
+
+std::string foldedObjectType(const std::string& objectType) {
+    std::string folded = objectType;
+    for (char& byte : folded) {
+        byte = foldAsciiCase(byte);
+    }
+    return folded;
+}
+
 int compareKeysIgnoringCase(std::initializer_list<KeyPair> keys) {
     for (const KeyPair& key : keys) {
         const int order = compareStringsIgnoringCase(key.mine, key.theirs);
@@ -64,11 +103,11 @@ bool areStringsEqualAccountingAlsoAnyValue(const std::string& first, const std::
 }
 
 bool isThisTheReservedAnyValue(const std::string& value) {
-    return areStringsEqualSimple(value, TOVAttrItemValue_Any);
+    return equalsIgnoringCase(value, TOVAttrItemValue_Any);
 }
 
 bool isThisTheReservedResetValue(const std::string& value) {
-    return areStringsEqualSimple(value, TOVAttrItemValue_Reset);
+    return equalsIgnoringCase(value, TOVAttrItemValue_Reset);
 }
 
 bool isThisTheLogToConsoleKeyword(const char* text) {
@@ -76,7 +115,7 @@ bool isThisTheLogToConsoleKeyword(const char* text) {
 }
 
 bool changeAllToAny(std::string& objectType) {
-    if (!areStringsEqualSimple(objectType, TOVAttrItemValue_ALL)) {
+    if (!equalsIgnoringCase(objectType, TOVAttrItemValue_ALL)) {
         return false;
     }
     objectType = TOVAttrItemValue_Any;

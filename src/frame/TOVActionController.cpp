@@ -44,6 +44,12 @@ bool TOVActionController::getInputStringWithThisLabel(const std::string& label, 
     return true;
 }
 
+const std::string& TOVActionController::getInputWithThisLabel(const std::string& label) const {
+    static const std::string kNoInput;
+    const auto found = inputData.find(label);
+    return found == inputData.end() ? kNoInput : found->second;
+}
+
 bool TOVActionController::hasNonEmptyInputWithThisLabel(const std::string& label) {
     // Looked at in place: the input may be a whole document, not worth a copy.
     const auto found = inputData.find(label);

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "foundation/log_reading.h"
 #include "frame/TOVResponseJsonParser.h"
 #include "tov/TOVJsonComposer.h"
 #include "tov/TOVLogger.h"
@@ -152,12 +153,18 @@ bool TOVResponse::collectConflictResolutionOptions(std::vector<std::string>& opt
 }
 
 void TOVResponse::printContentsDBG(TOVLogger* logger) {
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog("*************TOVResponse******************");
     logger->printToLog(
         createCommaSeparatedStringStringMap(getStringStringMapResponseWithGeneralResult()).c_str());
 }
 
 void TOVResponse::printContentsForJNIDBG(TOVLogger* logger) {
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog("*************JNI_TOVResponse******************");
     logger->printToLog(turnResponseIntoASingleString().c_str());
 }

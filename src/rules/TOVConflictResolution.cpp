@@ -176,6 +176,14 @@ bool TOVConflictResolution::operator<(const TOVConflictResolution& other) const 
     return static_cast<int>(fileUpdated) < static_cast<int>(other.fileUpdated);
 }
 
+void TOVConflictResolution::appendSortKey(std::string& key) const {
+    appendFoldedSortKey(objectType, key);
+    appendFoldedSortKey(attribute, key);
+    appendFoldedSortKey(fromValue, key);
+    appendFoldedSortKey(toValue, key);
+    appendIntegerSortKey(static_cast<int>(fileUpdated), key);
+}
+
 void TOVConflictResolution::printContentsDBG(TOVLogger* logger) const {
     std::string fileWords;
     expressFileUpdateInWords(fileWords);

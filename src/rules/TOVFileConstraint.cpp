@@ -104,6 +104,13 @@ bool TOVFileConstraint::operator<(const TOVFileConstraint& other) const {
                                     {toValue, other.toValue}}) < 0;
 }
 
+void TOVFileConstraint::appendSortKey(std::string& key) const {
+    appendFoldedSortKey(objectType, key);
+    appendFoldedSortKey(attribute, key);
+    appendFoldedSortKey(fromValue, key);
+    appendFoldedSortKey(toValue, key);
+}
+
 void TOVFileConstraint::printContentsDBG(TOVLogger* logger) const {
     std::string constraintWords;
     expressFileConstraintInWords(constraintWords);

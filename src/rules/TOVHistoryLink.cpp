@@ -32,6 +32,11 @@ bool TOVHistoryLink::operator<(const TOVHistoryLink& other) const {
         {other.objectType, other.attribute, other.fromValue, other.toValue,
          other.acceptableHistoryLinkValues});
 }
+
+void TOVHistoryLink::appendSortKey(std::string& key) const {
+    linkrules::appendSortKey(
+        {objectType, attribute, fromValue, toValue, acceptableHistoryLinkValues}, key);
+}
 bool TOVHistoryLink::isValueAmongstAcceptables(const std::string& value) const {
     return linkrules::isValueAmongstAcceptables(acceptableHistoryLinkValues, value);
 }

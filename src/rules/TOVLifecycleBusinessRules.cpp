@@ -1,9 +1,14 @@
 #include "tov/TOVLifecycleBusinessRules.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "dm/object_type_matching.h"
+#include "foundation/compare.h"
+#include "foundation/log_reading.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
@@ -25,7 +30,69 @@ std::string candidateValue(const std::string& attribute, const AttributesMap& fr
     return value;
 }
 
+// Moves each rule to its place in one pass over the cycles of the permutation:
+// `order[i]` is the position the rule at place i comes from. Marks visited
+// places in `order` itself, so no second list of rules is needed.
+template <typename Rule>
+void permuteInPlace(std::vector<Rule>& rules, std::vector<std::size_t>& order) {
+    const std::size_t done = rules.size();
+    for (std::size_t start = 0; start < rules.size(); ++start) {
+        if (order[start] == done) {
+            continue;
+        }
+        Rule carried = std::move(rules[start]);
+        std::size_t place = start;
+        while (order[place] != start) {
+            const std::size_t from = order[place];
+            rules[place] = std::move(rules[from]);
+            order[place] = done;
+            place = from;
+        }
+        rules[place] = std::move(carried);
+        order[place] = done;
+    }
+}
+
+// The wildcard words as the index files them; built on first use, so that no
+// lookup can run before they exist.
+const std::string& foldedAny() {
+    static const std::string folded = foldedObjectType(TOVAttrItemValue_Any);
+    return folded;
+}
+const std::string& foldedLibraryItem() {
+    static const std::string folded = foldedObjectType(TOVAttrItemValue_Library_Item);
+    return folded;
+}
+
 }  // namespace
+
+// Sorts by keys folded once instead of folding on every comparison.
+// std::sort's steps depend only on the outcomes of its comparisons, so sorting
+// positions by key, under the same order as operator<, from the same starting
+// order, makes the same moves as sorting the rules by operator< and ends in
+// the same permutation, ties included; the rules then move once.
+template <typename Rule>
+void TOVLifecycleBusinessRules::sortRulesOfKind(std::vector<Rule>& rules) {
+    std::string keys;
+    std::vector<std::size_t> ends;
+    ends.reserve(rules.size());
+    for (const Rule& rule : rules) {
+        rule.appendSortKey(keys);
+        ends.push_back(keys.size());
+    }
+    const auto keyOf = [&keys, &ends](std::size_t position) {
+        const std::size_t begin = position == 0 ? 0 : ends[position - 1];
+        return std::string_view(keys).substr(begin, ends[position] - begin);
+    };
+    std::vector<std::size_t> order(rules.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        order[i] = i;
+    }
+    std::sort(order.begin(), order.end(), [&keyOf](std::size_t first, std::size_t second) {
+        return keyOf(first) < keyOf(second);
+    });
+    permuteInPlace(rules, order);
+}
 
 // The one list of kinds: every walk over all lists goes through it, in the
 // order of the debug print. Each list comes with the heading of its print and
@@ -50,6 +117,10 @@ void TOVLifecycleBusinessRules::forEachRuleList(Store& store, Visit&& visit) {
 template <typename Rule>
 void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vector<Rule>& rules,
                                            TOVLogger* logger) {
+    // A load prints every rule; with logging off that would be most of its cost.
+    if (!isLogRead(logger)) {
+        return;
+    }
     logger->printToLog(heading);
     for (const Rule& rule : rules) {
         rule.printContentsDBG(logger);
@@ -66,44 +137,122 @@ void TOVLifecycleBusinessRules::printRulesOfKind(TOVLogger* logger) const {
     });
 }
 
-// Every lookup walks one list in stored order and keeps each rule whose object
-// type matches and that `holds` accepts.
+template <typename Store, typename Visit>
+void TOVLifecycleBusinessRules::forEachIndexedList(Store& store, Visit&& visit) {
+    visit(store.transitionsFreeze, store.transitionsFreezeIndex);
+    visit(store.historyLinks, store.historyLinksIndex);
+    visit(store.manualLinks, store.manualLinksIndex);
+    visit(store.transitions, store.transitionsIndex);
+    visit(store.triggers, store.triggersIndex);
+    visit(store.versioningSelections, store.versioningSelectionsIndex);
+    visit(store.conflictResolutions, store.conflictResolutionsIndex);
+    visit(store.fileConstraints, store.fileConstraintsIndex);
+}
+
+template <typename Rule>
+void TOVLifecycleBusinessRules::indexRules(const std::vector<Rule>& rules,
+                                           PositionsByObjectType& index) {
+    index.clear();
+    for (std::size_t position = 0; position < rules.size(); ++position) {
+        index[foldedObjectType(rules[position].getObjectType())].push_back(position);
+    }
+}
+
+template <typename Rule>
+void TOVLifecycleBusinessRules::replaceRules(std::vector<Rule>& rules, PositionsByObjectType& index,
+                                             const std::vector<Rule>& replacement) {
+    rules = replacement;
+    indexRules(rules, index);
+}
+
+template <typename Rule>
+void TOVLifecycleBusinessRules::appendRule(std::vector<Rule>& rules, PositionsByObjectType& index,
+                                           Rule rule) {
+    index[foldedObjectType(rule.getObjectType())].push_back(rules.size());
+    rules.push_back(std::move(rule));
+}
+
+// Every lookup keeps, in stored order, each rule whose object type matches and
+// that `holds` accepts. Only the groups that can match are visited: the asked
+// type's own, "<any>", and "Library_Item" when the data model calls the asked
+// type an RLI type. An asked type that is itself a wildcard matches across
+// groups, so it walks the whole list.
 template <typename Rule, typename Holds>
 bool TOVLifecycleBusinessRules::selectRules(const std::vector<Rule>& rules,
+                                            const PositionsByObjectType& index,
                                             const std::string& objectType,
                                             const TOV_DMStructure* structure,
                                             std::vector<const Rule*>& related, Holds&& holds) {
     bool found = false;
-    for (const Rule& rule : rules) {
-        if (objectTypesMatch(structure, rule.getObjectType(), objectType) && holds(rule)) {
+    const auto keep = [&](const Rule& rule) {
+        if (holds(rule)) {
             related.push_back(&rule);
             found = true;
         }
+    };
+    const bool askedTypeIsWildcard =
+        isThisTheReservedAnyValue(objectType) ||
+        (structure != nullptr && equalsIgnoringCase(objectType, TOVAttrItemValue_Library_Item));
+    if (askedTypeIsWildcard) {
+        for (const Rule& rule : rules) {
+            if (objectTypesMatch(structure, rule.getObjectType(), objectType)) {
+                keep(rule);
+            }
+        }
+        return found;
     }
-    return found;
+
+    std::array<const std::vector<std::size_t>*, 3> groups{};
+    std::size_t groupCount = 0;
+    const auto addGroup = [&](const std::string& foldedType) {
+        const auto group = index.find(foldedType);
+        if (group != index.end()) {
+            groups[groupCount++] = &group->second;
+        }
+    };
+    addGroup(foldedObjectType(objectType));
+    addGroup(foldedAny());
+    if (structure != nullptr && structure->isThisAnRLIObjectType(objectType)) {
+        addGroup(foldedLibraryItem());
+    }
+    // The groups are disjoint and each in stored order: merge them.
+    std::array<std::size_t, 3> next{};
+    for (;;) {
+        std::size_t chosen = groupCount;
+        for (std::size_t g = 0; g < groupCount; ++g) {
+            if (next[g] < groups[g]->size() &&
+                (chosen == groupCount || (*groups[g])[next[g]] < (*groups[chosen])[next[chosen]])) {
+                chosen = g;
+            }
+        }
+        if (chosen == groupCount) {
+            return found;
+        }
+        keep(rules[(*groups[chosen])[next[chosen]++]]);
+    }
 }
 
 // The plain lookup, shared by every kind that has a single attribute.
 template <typename Rule>
 bool TOVLifecycleBusinessRules::selectRelatedRules(const std::vector<Rule>& rules,
+                                                   const PositionsByObjectType& index,
                                                    const std::string& objectType,
                                                    const std::vector<std::string>& attributes,
                                                    const TOV_DMStructure* structure,
                                                    std::vector<const Rule*>& related) {
-    return selectRules(rules, objectType, structure, related, [&attributes](const Rule& rule) {
-        return listHoldsAttribute(attributes, rule.getAttribute());
-    });
+    return selectRules(rules, index, objectType, structure, related,
+                       [&attributes](const Rule& rule) {
+                           return listHoldsAttribute(attributes, rule.getAttribute());
+                       });
 }
 
 template <typename Rule>
-bool TOVLifecycleBusinessRules::selectRelatedLinkRules(const std::vector<Rule>& rules,
-                                                       const std::string& objectType,
-                                                       const std::vector<std::string>& attributes,
-                                                       const AttributesMap& fromValues,
-                                                       const AttributesMap& toValues,
-                                                       const TOV_DMStructure* structure,
-                                                       std::vector<const Rule*>& related) {
-    return selectRules(rules, objectType, structure, related, [&](const Rule& rule) {
+bool TOVLifecycleBusinessRules::selectRelatedLinkRules(
+    const std::vector<Rule>& rules, const PositionsByObjectType& index,
+    const std::string& objectType, const std::vector<std::string>& attributes,
+    const AttributesMap& fromValues, const AttributesMap& toValues,
+    const TOV_DMStructure* structure, std::vector<const Rule*>& related) {
+    return selectRules(rules, index, objectType, structure, related, [&](const Rule& rule) {
         return listHoldsAttribute(attributes, rule.getAttribute()) &&
                areStringsEqualAccountingAlsoAnyValue(
                    candidateValue(rule.getAttribute(), fromValues, toValues), rule.getToValue());
@@ -112,39 +261,96 @@ bool TOVLifecycleBusinessRules::selectRelatedLinkRules(const std::vector<Rule>& 
 
 TOVLifecycleBusinessRules::TOVLifecycleBusinessRules() = default;
 
+void TOVLifecycleBusinessRules::setTransitionsFreeze(
+    const std::vector<TOVTransitionFreeze>& rules) {
+    replaceRules(transitionsFreeze, transitionsFreezeIndex, rules);
+}
+void TOVLifecycleBusinessRules::setHistoryLinks(const std::vector<TOVHistoryLink>& rules) {
+    replaceRules(historyLinks, historyLinksIndex, rules);
+}
+void TOVLifecycleBusinessRules::setManualLinks(const std::vector<TOVManualLink>& rules) {
+    replaceRules(manualLinks, manualLinksIndex, rules);
+}
+void TOVLifecycleBusinessRules::setTransitions(const std::vector<TOVTransition>& rules) {
+    replaceRules(transitions, transitionsIndex, rules);
+}
+void TOVLifecycleBusinessRules::setFileConstraints(const std::vector<TOVFileConstraint>& rules) {
+    replaceRules(fileConstraints, fileConstraintsIndex, rules);
+}
+void TOVLifecycleBusinessRules::setVersioningAttributesSelections(
+    const std::vector<TOVVersioningSelection>& rules) {
+    replaceRules(versioningSelections, versioningSelectionsIndex, rules);
+}
+void TOVLifecycleBusinessRules::setConflictsResolutions(
+    const std::vector<TOVConflictResolution>& rules) {
+    replaceRules(conflictResolutions, conflictResolutionsIndex, rules);
+}
+void TOVLifecycleBusinessRules::setTriggers(const std::vector<TOVTrigger>& rules) {
+    replaceRules(triggers, triggersIndex, rules);
+}
+
 void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule) {
-    transitionsFreeze.push_back(rule);
+    appendRule(transitionsFreeze, transitionsFreezeIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(TOVTransitionFreeze&& rule) {
+    appendRule(transitionsFreeze, transitionsFreezeIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewHistoryLinkRule(const TOVHistoryLink& rule) {
-    historyLinks.push_back(rule);
+    appendRule(historyLinks, historyLinksIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewHistoryLinkRule(TOVHistoryLink&& rule) {
+    appendRule(historyLinks, historyLinksIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewManualLinkRule(const TOVManualLink& rule) {
-    manualLinks.push_back(rule);
+    appendRule(manualLinks, manualLinksIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewManualLinkRule(TOVManualLink&& rule) {
+    appendRule(manualLinks, manualLinksIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewTransitionRule(const TOVTransition& rule) {
-    transitions.push_back(rule);
+    appendRule(transitions, transitionsIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewTransitionRule(TOVTransition&& rule) {
+    appendRule(transitions, transitionsIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewFileConstraintRule(const TOVFileConstraint& rule) {
-    fileConstraints.push_back(rule);
+    appendRule(fileConstraints, fileConstraintsIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewFileConstraintRule(TOVFileConstraint&& rule) {
+    appendRule(fileConstraints, fileConstraintsIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewVersioningAttrSelectionRule(
     const TOVVersioningSelection& rule) {
-    versioningSelections.push_back(rule);
+    appendRule(versioningSelections, versioningSelectionsIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewVersioningAttrSelectionRule(
+    TOVVersioningSelection&& rule) {
+    appendRule(versioningSelections, versioningSelectionsIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewConflictResolutionRule(const TOVConflictResolution& rule) {
-    conflictResolutions.push_back(rule);
+    appendRule(conflictResolutions, conflictResolutionsIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewConflictResolutionRule(TOVConflictResolution&& rule) {
+    appendRule(conflictResolutions, conflictResolutionsIndex, std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewTriggerRule(const TOVTrigger& rule) {
-    triggers.push_back(rule);
+    appendRule(triggers, triggersIndex, rule);
+}
+void TOVLifecycleBusinessRules::appendNewTriggerRule(TOVTrigger&& rule) {
+    appendRule(triggers, triggersIndex, std::move(rule));
 }
 
 void TOVLifecycleBusinessRules::clearAllRules() {
-    forEachRuleList(*this, [](auto& rules, const char*, const char*) { rules.clear(); });
+    forEachIndexedList(*this, [](auto& rules, PositionsByObjectType& index) {
+        rules.clear();
+        index.clear();
+    });
 }
 
 void TOVLifecycleBusinessRules::sortAllRules() {
-    forEachRuleList(*this, [](auto& rules, const char*, const char*) {
-        std::sort(rules.begin(), rules.end());
+    forEachIndexedList(*this, [](auto& rules, PositionsByObjectType& index) {
+        sortRulesOfKind(rules);
+        indexRules(rules, index);
     });
 }
 
@@ -159,31 +365,35 @@ bool TOVLifecycleBusinessRules::existAnyRules() const {
 bool TOVLifecycleBusinessRules::getRelatedTransitionRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTransition*>& related) const {
-    return selectRelatedRules(transitions, objectType, attributes, structure, related);
+    return selectRelatedRules(transitions, transitionsIndex, objectType, attributes, structure,
+                              related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTransitionFreezeRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTransitionFreeze*>& related) const {
-    return selectRelatedRules(transitionsFreeze, objectType, attributes, structure, related);
+    return selectRelatedRules(transitionsFreeze, transitionsFreezeIndex, objectType, attributes,
+                              structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTriggerRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTrigger*>& related) const {
-    return selectRelatedRules(triggers, objectType, attributes, structure, related);
+    return selectRelatedRules(triggers, triggersIndex, objectType, attributes, structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedFileConstraintRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVFileConstraint*>& related) const {
-    return selectRelatedRules(fileConstraints, objectType, attributes, structure, related);
+    return selectRelatedRules(fileConstraints, fileConstraintsIndex, objectType, attributes,
+                              structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedConflictResolutionRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVConflictResolution*>& related) const {
-    return selectRelatedRules(conflictResolutions, objectType, attributes, structure, related);
+    return selectRelatedRules(conflictResolutions, conflictResolutionsIndex, objectType, attributes,
+                              structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedHistoryLinkRulesExact(
@@ -191,8 +401,8 @@ bool TOVLifecycleBusinessRules::getRelatedHistoryLinkRulesExact(
     const AttributesMap& fromValues, const AttributesMap& toValues,
     const TOV_DMStructure* structure, std::vector<const TOVHistoryLink*>& related,
     TOVLogger* logger) const {
-    const bool found = selectRelatedLinkRules(historyLinks, objectType, attributes, fromValues,
-                                              toValues, structure, related);
+    const bool found = selectRelatedLinkRules(historyLinks, historyLinksIndex, objectType,
+                                              attributes, fromValues, toValues, structure, related);
     printDetailsOfScenarioLookingForRelatedRules("HISTORY RULES LOOKUP", objectType, attributes,
                                                  toValues, static_cast<int>(related.size()),
                                                  logger);
@@ -204,8 +414,8 @@ bool TOVLifecycleBusinessRules::getRelatedManualLinkRulesExact(
     const AttributesMap& fromValues, const AttributesMap& toValues,
     const TOV_DMStructure* structure, std::vector<const TOVManualLink*>& related,
     TOVLogger* logger) const {
-    const bool found = selectRelatedLinkRules(manualLinks, objectType, attributes, fromValues,
-                                              toValues, structure, related);
+    const bool found = selectRelatedLinkRules(manualLinks, manualLinksIndex, objectType, attributes,
+                                              fromValues, toValues, structure, related);
     printDetailsOfScenarioLookingForRelatedRules("MANUAL RULES LOOKUP", objectType, attributes,
                                                  toValues, static_cast<int>(related.size()),
                                                  logger);
@@ -215,8 +425,8 @@ bool TOVLifecycleBusinessRules::getRelatedManualLinkRulesExact(
 bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
     const std::string& objectType, const AttributesMap& packet, const TOV_DMStructure* structure,
     std::vector<const TOVVersioningSelection*>& related) const {
-    return selectRules(versioningSelections, objectType, structure, related,
-                       [&packet](const TOVVersioningSelection& rule) {
+    return selectRules(versioningSelections, versioningSelectionsIndex, objectType, structure,
+                       related, [&packet](const TOVVersioningSelection& rule) {
                            return rule.mustSelectVersioningAttributesAccordingToRule(packet);
                        });
 }
@@ -224,8 +434,8 @@ bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
 void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
     const char* heading, const std::string& objectType, const std::vector<std::string>& attributes,
     const AttributesMap& toValues, int count, TOVLogger* logger) const {
-    // Without a logger the lookup says nothing, so the text is not built either.
-    if (logger == nullptr) {
+    // Without a reader the lookup says nothing, so the text is not built either.
+    if (!isLogRead(logger)) {
         return;
     }
     const std::string message =

@@ -32,6 +32,11 @@ bool TOVManualLink::operator<(const TOVManualLink& other) const {
         {other.objectType, other.attribute, other.fromValue, other.toValue,
          other.acceptableManualLinkValues});
 }
+
+void TOVManualLink::appendSortKey(std::string& key) const {
+    linkrules::appendSortKey(
+        {objectType, attribute, fromValue, toValue, acceptableManualLinkValues}, key);
+}
 bool TOVManualLink::isValueAmongstAcceptables(const std::string& value) const {
     return linkrules::isValueAmongstAcceptables(acceptableManualLinkValues, value);
 }

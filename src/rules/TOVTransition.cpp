@@ -55,6 +55,12 @@ bool TOVTransition::operator<(const TOVTransition& other) const {
                                     {fromValue, other.fromValue}}) < 0;
 }
 
+void TOVTransition::appendSortKey(std::string& key) const {
+    appendFoldedSortKey(objectType, key);
+    appendFoldedSortKey(attribute, key);
+    appendFoldedSortKey(fromValue, key);
+}
+
 bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,
                                                       std::string& value) const {
     if (!getValueofKeywordFromStringStringMap(attribute, packet, value)) {

@@ -44,6 +44,12 @@ bool TOVTransitionFreeze::operator<(const TOVTransitionFreeze& other) const {
                                     {freezeConditionValue, other.freezeConditionValue}}) < 0;
 }
 
+void TOVTransitionFreeze::appendSortKey(std::string& key) const {
+    appendFoldedSortKey(objectType, key);
+    appendFoldedSortKey(freezeConditionAttribute, key);
+    appendFoldedSortKey(freezeConditionValue, key);
+}
+
 void TOVTransitionFreeze::printContentsDBG(TOVLogger* logger) const {
     logger->printToLog("**TOVTransitionsFreeze rule:");
     logger->printToLog(("Object type : " + objectType).c_str());

@@ -24,6 +24,12 @@ bool TOVTrigger::operator<(const TOVTrigger& other) const {
                                     {triggerInitialize, other.triggerInitialize}}) < 0;
 }
 
+void TOVTrigger::appendSortKey(std::string& key) const {
+    appendFoldedSortKey(objectType, key);
+    appendFoldedSortKey(attribute, key);
+    appendFoldedSortKey(triggerInitialize, key);
+}
+
 void TOVTrigger::printContentsDBG(TOVLogger* logger) const {
     logger->printToLog("**TOVTrigger rule:");
     logger->printToLog(("Object type : " + objectType).c_str());

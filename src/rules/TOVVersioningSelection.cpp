@@ -123,6 +123,14 @@ bool TOVVersioningSelection::operator<(const TOVVersioningSelection& other) cons
     return conditionsComparisonKey < other.conditionsComparisonKey;
 }
 
+void TOVVersioningSelection::appendSortKey(std::string& key) const {
+    appendFoldedSortKey(objectType, key);
+    // More conditions sort first, so the count goes in negated.
+    appendIntegerSortKey(-static_cast<std::int32_t>(conditionAttributesAndValues.size()), key);
+    // The last field: what is left of both keys compares as std::string does.
+    key += conditionsComparisonKey;
+}
+
 void TOVVersioningSelection::printContentsDBG(TOVLogger* logger) const {
     logger->printToLog("**TOVVersioningSelection rule:");
     logger->printToLog(("Object type : " + objectType).c_str());

@@ -71,10 +71,9 @@ bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
 
             changeAllToAny(objectType);
             // The second condition goes in even when half-given; the rule leaves it out.
-            const TOVVersioningSelection rule(objectType, conditionAttribute1, conditionValues1,
-                                              conditionAttribute2, conditionValues2,
-                                              versioningOptions);
-            store->appendNewVersioningAttrSelectionRule(rule);
+            store->appendNewVersioningAttrSelectionRule(
+                TOVVersioningSelection(objectType, conditionAttribute1, conditionValues1,
+                                       conditionAttribute2, conditionValues2, versioningOptions));
             return true;
         });
 }

@@ -61,6 +61,13 @@ inline bool precedes(const LinkRuleView& first, const LinkRuleView& second) {
                                     {first.toValue, second.toValue}}) < 0;
 }
 
+inline void appendSortKey(const LinkRuleView& rule, std::string& key) {
+    appendFoldedSortKey(rule.objectType, key);
+    appendFoldedSortKey(rule.attribute, key);
+    appendFoldedSortKey(rule.fromValue, key);
+    appendFoldedSortKey(rule.toValue, key);
+}
+
 // `neighbours` names whose values are constrained, e.g. " then its manual link
 // ancestors can have ".
 inline void appendRuleInWords(const LinkRuleView& rule, const char* neighbours, std::string& text) {
