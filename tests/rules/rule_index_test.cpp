@@ -215,6 +215,7 @@ struct VersioningSelections {
 template <typename Kind>
 std::vector<std::string> identities(const std::vector<const typename Kind::Rule*>& rules) {
     std::vector<std::string> names;
+    names.reserve(rules.size());
     for (const auto* rule : rules) {
         names.push_back(Kind::identity(*rule));
     }
@@ -256,6 +257,7 @@ std::vector<std::string> selectedFromPinnedStore(const std::string& askedType,
 template <typename Kind>
 std::vector<std::string> pinned(const std::vector<int>& positions) {
     std::vector<std::string> names;
+    names.reserve(positions.size());
     for (const int position : positions) {
         names.push_back(Kind::identity(
             Kind::make(kPinnedTypes[position], "A", "r" + std::to_string(position))));
@@ -324,8 +326,8 @@ TYPED_TEST(RuleIndex, SelectsWhatAPlainWalkSelects) {
         "library_item", "Other", "",      "ALL",     "\xC3\xA9t\xC3\xA9"};
     const std::vector<std::string> askedTypes = [&types] {
         std::vector<std::string> asked = types;
-        asked.push_back("Unknown");
-        asked.push_back("\xC3\x89T\xC3\x89");
+        asked.emplace_back("Unknown");
+        asked.emplace_back("\xC3\x89T\xC3\x89");
         return asked;
     }();
     const std::vector<std::vector<std::string>> attributeLists = {{"A"}, {"B"}, {"A", "B"}, {}};
@@ -342,7 +344,7 @@ TYPED_TEST(RuleIndex, SelectsWhatAPlainWalkSelects) {
         };
         std::vector<Written> written;
         for (std::size_t n = pick(80); n > 0; --n) {
-            const std::string type = types[pick(types.size())];
+            const std::string& type = types[pick(types.size())];
             const std::string attribute = pick(2) == 0 ? "A" : "B";
             written.push_back({type, attribute,
                                Kind::make(type, attribute, "r" + std::to_string(written.size()))});
