@@ -57,6 +57,12 @@ public:
     void appendNewTriggerRule(const TOVTrigger& rule);
     void appendNewTriggerRule(TOVTrigger&& rule);
 
+    // Makes room in the list of `Rule` for `additional` more rules, so that a
+    // load that knows how many it reads never holds a large list twice while
+    // the list grows. Defined for the eight rule classes.
+    template <typename Rule>
+    void reserveRules(std::size_t additional);
+
     void clearAllRules();
     // Sorts every list by its rule's operator<. Evaluation reports the first
     // violated rule, so the sort decides which one that is.

@@ -3,7 +3,9 @@
 #ifndef TOV_JSON_TOVJSONPARSER_H_
 #define TOV_JSON_TOVJSONPARSER_H_
 
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <rapidjson/document.h>
@@ -130,17 +132,20 @@ protected:
     // objectType)` reads one rule, appends it to the store and may rewrite the
     // object type in place; it reports its own errors and returns false on one.
     // An absent section, or one that is not an object, is fine. The first error
-    // ends the section.
-    template <typename ReadRule>
-    bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule);
+    // ends the section. Before the first rule, `makeRoom(count)` hears how many
+    // rule entries the section lists, so that the store can make room at once.
+    template <typename ReadRule, typename MakeRoom>
+    bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule,
+                           MakeRoom&& makeRoom);
 
     // The same for a kind whose rules hold strings only: reads the values of
     // `keywords` in their order (see collectRuleKeywordsFromMap), turns an
     // object type "ALL" into "<any>" and hands both to
-    // `appendRule(objectType, values)`.
-    template <typename AppendRule>
+    // `appendRule(objectType, values)`; `makeRoom` as above.
+    template <typename AppendRule, typename MakeRoom>
     bool parseStringRulesSection(rapidjson::Value& root, const char* sectionKeyword,
-                                 const std::vector<const char*>& keywords, AppendRule&& appendRule);
+                                 const std::vector<const char*>& keywords, AppendRule&& appendRule,
+                                 MakeRoom&& makeRoom);
 
     // A necessary section that is an object of strings, such as the initial or
     // the target attributes of a request. A missing member, or one of another
@@ -186,13 +191,18 @@ bool TOVJsonParser::runSectionParsers(Args&... args) {
     return allParsed;
 }
 
-template <typename ReadRule>
+template <typename ReadRule, typename MakeRoom>
 bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectionKeyword,
-                                      ReadRule&& readRule) {
+                                      ReadRule&& readRule, MakeRoom&& makeRoom) {
     rapidjson::Value section;
     if (!getJsonSection(root, sectionKeyword, section)) {
         return true;
     }
+    std::size_t listed = 0;
+    for (const auto& member : section.GetObject()) {
+        listed += member.value.IsArray() ? member.value.Size() : 0;
+    }
+    makeRoom(listed);
     for (auto& member : section.GetObject()) {
         std::string objectType = getMemberName(member.name);
         if (!member.value.IsArray()) {
@@ -210,12 +220,13 @@ bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectio
     return true;
 }
 
-template <typename AppendRule>
+template <typename AppendRule, typename MakeRoom>
 bool TOVJsonParser::parseStringRulesSection(rapidjson::Value& root, const char* sectionKeyword,
                                             const std::vector<const char*>& keywords,
-                                            AppendRule&& appendRule) {
+                                            AppendRule&& appendRule, MakeRoom&& makeRoom) {
     return parseRulesSection(
-        root, sectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        root, sectionKeyword,
+        [&](rapidjson::Value& ruleObject, std::string& objectType) {
             std::vector<std::string> values;
             if (!collectRuleKeywordsFromMap(ruleObject, objectType, keywords, values)) {
                 return false;
@@ -223,7 +234,8 @@ bool TOVJsonParser::parseStringRulesSection(rapidjson::Value& root, const char* 
             changeAllToAny(objectType);
             appendRule(objectType, values);
             return true;
-        });
+        },
+        std::forward<MakeRoom>(makeRoom));
 }
 
 // The one set of parse flags: the default grammar, parsed iteratively so that

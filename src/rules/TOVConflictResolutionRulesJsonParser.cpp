@@ -37,7 +37,8 @@ void TOVConflictResolutionRulesJsonParser::getAllNecessaryKeywords(
 bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
                                                         TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        root, kSectionKeyword,
+        [&](rapidjson::Value& ruleObject, std::string& objectType) {
             std::string attribute;
             std::string fromValue;
             std::string toValue;
@@ -80,5 +81,6 @@ bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
                 TOVConflictResolution(objectType, attribute, fromValue, toValue, updatesFile,
                                       conflictResolution, hasDifferentPrimaries));
             return true;
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVConflictResolution>(count); });
 }

@@ -35,5 +35,6 @@ bool TOVFileConstraintsRulesJsonParser::parseSection(rapidjson::Value& root,
         [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewFileConstraintRule(
                 TOVFileConstraint(objectType, values[0], values[1], values[2], values[3]));
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVFileConstraint>(count); });
 }

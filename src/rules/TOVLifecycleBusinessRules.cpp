@@ -73,7 +73,17 @@ const std::string& foldedLibraryItem() {
 // the same permutation, ties included; the rules then move once.
 template <typename Rule>
 void TOVLifecycleBusinessRules::sortRulesOfKind(std::vector<Rule>& rules) {
+    // The keys are measured first, so that the one buffer is allocated once
+    // and never held twice while it grows: a large load peaks here.
+    std::size_t keysSize = 0;
+    std::string key;
+    for (const Rule& rule : rules) {
+        key.clear();
+        rule.appendSortKey(key);
+        keysSize += key.size();
+    }
     std::string keys;
+    keys.reserve(keysSize);
     std::vector<std::size_t> ends;
     ends.reserve(rules.size());
     for (const Rule& rule : rules) {
@@ -339,6 +349,23 @@ void TOVLifecycleBusinessRules::appendNewTriggerRule(const TOVTrigger& rule) {
 void TOVLifecycleBusinessRules::appendNewTriggerRule(TOVTrigger&& rule) {
     appendRule(triggers, triggersIndex, std::move(rule));
 }
+
+template <typename Rule>
+void TOVLifecycleBusinessRules::reserveRules(std::size_t additional) {
+    forEachRuleList(*this, [additional](auto& rules, const char*, const char*) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
+            rules.reserve(rules.size() + additional);
+        }
+    });
+}
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVTransitionFreeze>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVHistoryLink>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVManualLink>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVTransition>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVTrigger>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVVersioningSelection>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVConflictResolution>(std::size_t);
+template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVFileConstraint>(std::size_t);
 
 void TOVLifecycleBusinessRules::clearAllRules() {
     forEachIndexedList(*this, [](auto& rules, PositionsByObjectType& index) {

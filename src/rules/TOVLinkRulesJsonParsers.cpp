@@ -88,7 +88,8 @@ void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::str
 bool TOVHistoryLinkRulesJsonParser::parseSection(rapidjson::Value& root,
                                                  TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, "historyLinks", [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        root, "historyLinks",
+        [&](rapidjson::Value& ruleObject, std::string& objectType) {
             LinkRuleReader<TOVHistoryLinkRulesJsonParser>::LinkRuleKeywords keywords;
             if (!LinkRuleReader<TOVHistoryLinkRulesJsonParser>::read(
                     *this, ruleObject, objectType, kAcceptableHistoryLinkValues, keywords)) {
@@ -99,7 +100,8 @@ bool TOVHistoryLinkRulesJsonParser::parseSection(rapidjson::Value& root,
                                                            keywords.fromValue, keywords.toValue,
                                                            keywords.acceptableValues));
             return true;
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVHistoryLink>(count); });
 }
 
 TOVManualLinkRulesJsonParser::~TOVManualLinkRulesJsonParser() = default;
@@ -115,7 +117,8 @@ void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
 bool TOVManualLinkRulesJsonParser::parseSection(rapidjson::Value& root,
                                                 TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, "manualLinks", [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        root, "manualLinks",
+        [&](rapidjson::Value& ruleObject, std::string& objectType) {
             LinkRuleReader<TOVManualLinkRulesJsonParser>::LinkRuleKeywords keywords;
             if (!LinkRuleReader<TOVManualLinkRulesJsonParser>::read(
                     *this, ruleObject, objectType, kAcceptableManualLinkValues, keywords)) {
@@ -126,5 +129,6 @@ bool TOVManualLinkRulesJsonParser::parseSection(rapidjson::Value& root,
                                                          keywords.fromValue, keywords.toValue,
                                                          keywords.acceptableValues));
             return true;
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVManualLink>(count); });
 }

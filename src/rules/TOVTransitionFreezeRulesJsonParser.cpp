@@ -33,5 +33,6 @@ bool TOVTransitionFreezeRulesJsonParser::parseSection(rapidjson::Value& root,
         [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewTransitionFreezeRule(
                 TOVTransitionFreeze(objectType, values[0], values[1], values[2]));
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVTransitionFreeze>(count); });
 }

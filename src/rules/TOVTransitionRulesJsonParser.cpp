@@ -32,7 +32,8 @@ void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
 bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
                                                 TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        root, kSectionKeyword,
+        [&](rapidjson::Value& ruleObject, std::string& objectType) {
             std::string attribute;
             std::string fromValue;
             std::vector<std::string> toValues;
@@ -65,5 +66,6 @@ bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
             store->appendNewTransitionRule(
                 TOVTransition(objectType, attribute, fromValue, toValues));
             return true;
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVTransition>(count); });
 }

@@ -29,5 +29,6 @@ bool TOVTriggersRulesJsonParser::parseSection(rapidjson::Value& root,
         root, "triggers", {kAttribute, kTriggerInitialize, kInitializationValue},
         [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewTriggerRule(TOVTrigger(objectType, values[0], values[1], values[2]));
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVTrigger>(count); });
 }

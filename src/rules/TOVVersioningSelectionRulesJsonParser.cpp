@@ -31,7 +31,8 @@ void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
 bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
                                                          TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, kSectionKeyword, [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        root, kSectionKeyword,
+        [&](rapidjson::Value& ruleObject, std::string& objectType) {
             std::string conditionAttribute1;
             std::vector<std::string> conditionValues1;
             std::string conditionAttribute2;
@@ -75,5 +76,6 @@ bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
                 TOVVersioningSelection(objectType, conditionAttribute1, conditionValues1,
                                        conditionAttribute2, conditionValues2, versioningOptions));
             return true;
-        });
+        },
+        [store](std::size_t count) { store->reserveRules<TOVVersioningSelection>(count); });
 }

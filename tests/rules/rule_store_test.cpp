@@ -287,6 +287,27 @@ TEST(RuleStore, SettersReplaceWholeLists) {
     EXPECT_FALSE(store.existAnyRules());
 }
 
+// A load reserves what a section lists: rules already held stay, and rules
+// appended within the reservation never move the ones before them.
+TEST(RuleStore, ReservingKeepsRulesAndAppendsInPlace) {
+    const TOV_DMStructure structure = makeStructure();
+    TOVLifecycleBusinessRules store;
+    store.appendNewTransitionRule(transitionRule("Part", "A"));
+    store.reserveRules<TOVTransition>(3);
+    store.reserveRules<TOVTrigger>(2);
+    std::vector<const TOVTransition*> before;
+    store.getRelatedTransitionRules("Part", {"A"}, &structure, before);
+    ASSERT_EQ(before.size(), 1u);
+    store.appendNewTransitionRule(transitionRule("Part", "B"));
+    store.appendNewTransitionRule(transitionRule("Part", "C"));
+    store.appendNewTransitionRule(transitionRule("<any>", "A"));
+    std::vector<const TOVTransition*> after;
+    store.getRelatedTransitionRules("Part", {"A"}, &structure, after);
+    ASSERT_EQ(after.size(), 2u);
+    EXPECT_EQ(after[0], before[0]);
+    EXPECT_EQ(countTransitions(store, "part", {"A", "B", "C"}, &structure), 4u);
+}
+
 TEST(RuleStore, CopiesAreDeep) {
     const TOV_DMStructure structure = makeStructure();
     TOVLifecycleBusinessRules store;
