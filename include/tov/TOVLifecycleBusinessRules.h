@@ -179,7 +179,7 @@ private:
         const std::string& objectType, const std::vector<std::string>& attributes,
         const AttributesMap& fromValues, const AttributesMap& toValues,
         const TOV_DMStructure* structure, std::vector<const Rule*>& related);
-    // Calls `visit(list, heading, label)` on each of the eight lists of
+    // Calls `visit(list, index, heading, label)` on each of the eight lists of
     // `store`, const or not.
     template <typename Store, typename Visit>
     static void forEachRuleList(Store& store, Visit&& visit);
@@ -192,9 +192,6 @@ private:
                              const std::vector<Rule>& replacement);
     template <typename Rule>
     static void appendRule(std::vector<Rule>& rules, PositionsByObjectType& index, Rule rule);
-    // Calls `visit(list, index)` on each of the eight lists with its index.
-    template <typename Store, typename Visit>
-    static void forEachIndexedList(Store& store, Visit&& visit);
     template <typename Rule>
     static void printRules(const char* heading, const std::vector<Rule>& rules, TOVLogger* logger);
     template <typename Rule>

@@ -51,9 +51,7 @@ const std::string& TOVActionController::getInputWithThisLabel(const std::string&
 }
 
 bool TOVActionController::hasNonEmptyInputWithThisLabel(const std::string& label) {
-    // Looked at in place: the input may be a whole document, not worth a copy.
-    const auto found = inputData.find(label);
-    return found != inputData.end() && !found->second.empty();
+    return !getInputWithThisLabel(label).empty();
 }
 
 bool TOVActionController::isInputAJsonFilePath() {

@@ -105,23 +105,26 @@ void TOVLifecycleBusinessRules::sortRulesOfKind(std::vector<Rule>& rules) {
 }
 
 // The one list of kinds: every walk over all lists goes through it, in the
-// order of the debug print. Each list comes with the heading of its print and
-// its label among the sentences for tools; triggers have no sentence.
+// order of the debug print. Each list comes with its index, the heading of its
+// print and its label among the sentences for tools; triggers have no sentence.
 template <typename Store, typename Visit>
 void TOVLifecycleBusinessRules::forEachRuleList(Store& store, Visit&& visit) {
-    visit(store.transitionsFreeze, "----------------TRANSITIONS FREEZE RULES--------------",
-          "transition freeze");
-    visit(store.historyLinks, "---------------HISTORY LINKS RULES ------------------",
-          "history link");
-    visit(store.manualLinks, "---------------MANUAL LINKS RULES ------------------", "manual link");
-    visit(store.transitions, "---------------TRANSITION RULES ------------------", "transition");
-    visit(store.triggers, "---------------  TRIGGER RULES ------------------", nullptr);
-    visit(store.versioningSelections, "--------VERSIONING ATTRIBUTES SELECTION RULES--------",
-          "versioning selection");
-    visit(store.conflictResolutions, "---------------CONFLICTS RESOLUTIONS RULES---------------",
-          "conflict resolution");
-    visit(store.fileConstraints, "----------------------FILE CONSTRAINTS----------------",
-          "file constraint");
+    visit(store.transitionsFreeze, store.transitionsFreezeIndex,
+          "----------------TRANSITIONS FREEZE RULES--------------", "transition freeze");
+    visit(store.historyLinks, store.historyLinksIndex,
+          "---------------HISTORY LINKS RULES ------------------", "history link");
+    visit(store.manualLinks, store.manualLinksIndex,
+          "---------------MANUAL LINKS RULES ------------------", "manual link");
+    visit(store.transitions, store.transitionsIndex,
+          "---------------TRANSITION RULES ------------------", "transition");
+    visit(store.triggers, store.triggersIndex, "---------------  TRIGGER RULES ------------------",
+          nullptr);
+    visit(store.versioningSelections, store.versioningSelectionsIndex,
+          "--------VERSIONING ATTRIBUTES SELECTION RULES--------", "versioning selection");
+    visit(store.conflictResolutions, store.conflictResolutionsIndex,
+          "---------------CONFLICTS RESOLUTIONS RULES---------------", "conflict resolution");
+    visit(store.fileConstraints, store.fileConstraintsIndex,
+          "----------------------FILE CONSTRAINTS----------------", "file constraint");
 }
 
 template <typename Rule>
@@ -140,23 +143,12 @@ void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vecto
 // One list under its heading, found by its rule class in the list of kinds.
 template <typename Rule>
 void TOVLifecycleBusinessRules::printRulesOfKind(TOVLogger* logger) const {
-    forEachRuleList(*this, [logger](const auto& rules, const char* heading, const char*) {
-        if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
-            printRules(heading, rules, logger);
-        }
-    });
-}
-
-template <typename Store, typename Visit>
-void TOVLifecycleBusinessRules::forEachIndexedList(Store& store, Visit&& visit) {
-    visit(store.transitionsFreeze, store.transitionsFreezeIndex);
-    visit(store.historyLinks, store.historyLinksIndex);
-    visit(store.manualLinks, store.manualLinksIndex);
-    visit(store.transitions, store.transitionsIndex);
-    visit(store.triggers, store.triggersIndex);
-    visit(store.versioningSelections, store.versioningSelectionsIndex);
-    visit(store.conflictResolutions, store.conflictResolutionsIndex);
-    visit(store.fileConstraints, store.fileConstraintsIndex);
+    forEachRuleList(
+        *this, [logger](const auto& rules, const auto&, const char* heading, const char*) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
+                printRules(heading, rules, logger);
+            }
+        });
 }
 
 template <typename Rule>
@@ -352,7 +344,7 @@ void TOVLifecycleBusinessRules::appendNewTriggerRule(TOVTrigger&& rule) {
 
 template <typename Rule>
 void TOVLifecycleBusinessRules::reserveRules(std::size_t additional) {
-    forEachRuleList(*this, [additional](auto& rules, const char*, const char*) {
+    forEachRuleList(*this, [additional](auto& rules, const auto&, const char*, const char*) {
         if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
             rules.reserve(rules.size() + additional);
         }
@@ -368,14 +360,14 @@ template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVConflictResolut
 template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVFileConstraint>(std::size_t);
 
 void TOVLifecycleBusinessRules::clearAllRules() {
-    forEachIndexedList(*this, [](auto& rules, PositionsByObjectType& index) {
+    forEachRuleList(*this, [](auto& rules, auto& index, const char*, const char*) {
         rules.clear();
         index.clear();
     });
 }
 
 void TOVLifecycleBusinessRules::sortAllRules() {
-    forEachIndexedList(*this, [](auto& rules, PositionsByObjectType& index) {
+    forEachRuleList(*this, [](auto& rules, auto& index, const char*, const char*) {
         sortRulesOfKind(rules);
         indexRules(rules, index);
     });
@@ -383,7 +375,7 @@ void TOVLifecycleBusinessRules::sortAllRules() {
 
 bool TOVLifecycleBusinessRules::existAnyRules() const {
     bool any = false;
-    forEachRuleList(*this, [&any](const auto& rules, const char*, const char*) {
+    forEachRuleList(*this, [&any](const auto& rules, const auto&, const char*, const char*) {
         any = any || !rules.empty();
     });
     return any;
@@ -499,23 +491,23 @@ void TOVLifecycleBusinessRules::printFileConstraintsDBG(TOVLogger* logger) const
 }
 
 void TOVLifecycleBusinessRules::printContentsDBG(TOVLogger* logger) const {
-    forEachRuleList(*this, [logger](const auto& rules, const char* heading, const char*) {
-        printRules(heading, rules, logger);
-    });
+    forEachRuleList(*this, [logger](const auto& rules, const auto&, const char* heading,
+                                    const char*) { printRules(heading, rules, logger); });
 }
 
 std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expressRulesInWords()
     const {
     std::vector<std::pair<std::string, std::string>> sentences;
-    forEachRuleList(*this, [&sentences](const auto& rules, const char*, const char* label) {
-        if constexpr (!std::is_same_v<std::decay_t<decltype(rules)>, std::vector<TOVTrigger>>) {
-            for (const auto& rule : rules) {
-                std::string sentence;
-                rule.expressRuleInWords(sentence);
-                sentences.emplace_back(label, sentence);
+    forEachRuleList(
+        *this, [&sentences](const auto& rules, const auto&, const char*, const char* label) {
+            if constexpr (!std::is_same_v<std::decay_t<decltype(rules)>, std::vector<TOVTrigger>>) {
+                for (const auto& rule : rules) {
+                    std::string sentence;
+                    rule.expressRuleInWords(sentence);
+                    sentences.emplace_back(label, sentence);
+                }
             }
-        }
-    });
+        });
     return sentences;
 }
 
@@ -532,10 +524,11 @@ std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRul
 std::set<std::string> TOVLifecycleBusinessRules::collectObjectTypesOfRules() const {
     std::set<std::string> objectTypes;
     // A lambda here shares the store's friendship with the rule classes.
-    forEachRuleList(*this, [&objectTypes](const auto& rules, const char*, const char*) {
-        for (const auto& rule : rules) {
-            objectTypes.insert(rule.getObjectType());
-        }
-    });
+    forEachRuleList(*this,
+                    [&objectTypes](const auto& rules, const auto&, const char*, const char*) {
+                        for (const auto& rule : rules) {
+                            objectTypes.insert(rule.getObjectType());
+                        }
+                    });
     return objectTypes;
 }

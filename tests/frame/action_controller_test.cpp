@@ -44,6 +44,7 @@ public:
     using TOVActionController::foundUninitializedDMInfoViolation;
     using TOVActionController::foundUninitializedRulesViolation;
     using TOVActionController::getInputStringWithThisLabel;
+    using TOVActionController::getInputWithThisLabel;
     using TOVActionController::getLifecycleBusinessRules;
     using TOVActionController::getLifecycleDMInfo;
     using TOVActionController::isInputDataSufficientUpdateResponse;
@@ -301,6 +302,18 @@ TEST_F(ActionControllerTest, LabelLookupCopiesTheValueOnAnExactHit) {
     EXPECT_EQ(out, "the text");
     EXPECT_TRUE(controller.getInputStringWithThisLabel("Input_is_filepath", out));
     EXPECT_EQ(out, "whatever");
+}
+
+// The lookup in place, which parsers use to read a whole document uncopied:
+// the same exact match, and the empty text for a miss.
+TEST_F(ActionControllerTest, LabelLookupInPlaceGivesTheStoredTextOrNothing) {
+    ScriptedController controller = makeController({{kScriptedLabel, "the text"}});
+
+    EXPECT_EQ(controller.getInputWithThisLabel(kScriptedLabel), "the text");
+    EXPECT_EQ(controller.getInputWithThisLabel("SCRIPTED_INPUT"), "");
+    EXPECT_EQ(controller.getInputWithThisLabel(""), "");
+    EXPECT_EQ(&controller.getInputWithThisLabel(kScriptedLabel),
+              &controller.getInputWithThisLabel(kScriptedLabel));
 }
 
 TEST_F(ActionControllerTest, LabelLookupOfAnEmptyValueIsAHit) {
