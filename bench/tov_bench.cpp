@@ -3,7 +3,6 @@
 // the load of a large rules document. Every benchmark checks its answer once
 // before it times it, and stops with an error when the answer is wrong.
 #include <benchmark/benchmark.h>
-#include <rapidjson/document.h>
 
 #include <cstdint>
 #include <map>
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "json/json_types.h"
 #include "session.h"
 #include "workload.h"
 
@@ -70,7 +70,7 @@ bool answersAsExpected(const TOVResponse& response, const char* expected, benchm
 }
 
 bool parsesToAnObject(const std::string& text, benchmark::State& state) {
-    rapidjson::Document document;
+    tovjson::Document document;
     document.Parse<kParseFlags>(text.c_str());
     const bool parsed = !document.HasParseError() && document.IsObject();
     if (!parsed) {
@@ -84,7 +84,7 @@ void timeParse(const std::string& text, benchmark::State& state) {
         return;
     }
     for (auto _ : state) {
-        rapidjson::Document document;
+        tovjson::Document document;
         document.Parse<kParseFlags>(text.c_str());
         benchmark::DoNotOptimize(document.IsObject());
     }

@@ -1,6 +1,5 @@
 #include "documents.h"
 
-#include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include <utility>
 
 #include "c_api/log_setting.h"
+#include "json/json_types.h"
 #include "json_files.h"
 
 namespace tovcli {
@@ -84,7 +84,7 @@ void explainUnusableText(const Document& document, std::uint64_t maxInputSize,
         findings.push_back(noteOn(document, error));
         return;
     }
-    rapidjson::Document json;
+    tovjson::Document json;
     // Iterative like the library's own parse, so deep nesting cannot overflow the stack.
     json.Parse<rapidjson::kParseIterativeFlag>(text.c_str());
     if (json.HasParseError()) {

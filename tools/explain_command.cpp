@@ -118,7 +118,7 @@ void printText(const RuleGroups& groups, const std::optional<std::vector<std::st
 
 void printJson(const RuleGroups& groups, const std::optional<std::vector<std::string>>& libraryItem,
                std::ostream& out) {
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
     writer.Key("kinds");
