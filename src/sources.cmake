@@ -56,7 +56,7 @@ set(TOV_SOURCES
   api/TOVVemoFrontdesk.cpp
   # C interface
   c_api/answers.cpp
-  c_api/log_setting.cpp
-  c_api/request_kinds.cpp
+  api/log_setting.cpp
+  api/request_kinds.cpp
   c_api/tov_c.cpp
 )

@@ -8,7 +8,7 @@
 #include <iostream>
 #include <utility>
 
-#include "c_api/log_setting.h"
+#include "api/log_setting.h"
 #include "json/json_types.h"
 #include "json_files.h"
 
@@ -157,7 +157,7 @@ void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out
 bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
                     std::string& logFolder, std::vector<Document>& documents) {
     std::string error;
-    if (!tov_c::libraryLogSetting(logOption, logFolder, error)) {
+    if (!tovapi::libraryLogSetting(logOption, logFolder, error)) {
         std::cerr << "tov: " << error << "\n";
         return false;
     }

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "api/log_setting.h"
+#include "api/request_kinds.h"
 #include "c_api/answers.h"
-#include "c_api/log_setting.h"
-#include "c_api/request_kinds.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/entry_points.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 std::string unknownKindComment(const char* kind) {
     return std::string("Unknown request kind \"") + kind + "\": expected " +
-           tov_c::requestKindNamesInWords();
+           tovapi::requestKindNamesInWords();
 }
 
 char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inputIsPath) noexcept {
@@ -34,11 +34,11 @@ char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inp
             return tov_c::failureAnswer(inputIsPath ? "No request file path given (NULL)"
                                                     : "No request text given (NULL)");
         }
-        const tov_c::RequestKind* found = tov_c::findRequestKind(kind);
+        const tovapi::RequestKind* found = tovapi::findRequestKind(kind);
         if (found == nullptr) {
             return tov_c::failureAnswer(unknownKindComment(kind));
         }
-        const tov_c::EntryPoint entryPoint = inputIsPath ? found->fromFile : found->fromText;
+        const tovapi::EntryPoint entryPoint = inputIsPath ? found->fromFile : found->fromText;
         return entryPoint(input, &engine->core).turnResponseIntoASingleString();
     });
 }
@@ -79,7 +79,7 @@ int tov_set_log(tov_engine* engine, const char* where) {
     try {
         std::string libraryFolder;
         std::string unused;  // the status code tells the host enough
-        if (!tov_c::libraryLogSetting(where, libraryFolder, unused)) {
+        if (!tovapi::libraryLogSetting(where, libraryFolder, unused)) {
             return TOV_LOG_UNUSABLE_FOLDER;
         }
         setTOVLoggingFolder(libraryFolder, &engine->core);

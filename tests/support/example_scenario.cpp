@@ -3,7 +3,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "c_api/request_kinds.h"
+#include "api/request_kinds.h"
 #include "json/json_types.h"
 #include "tov/entry_points.h"
 
@@ -36,7 +36,7 @@ const char* memberString(const tovjson::Value& object, const char* keyword) {
 }  // namespace
 
 RequestFunction requestFunctionOfKind(const std::string& kind) {
-    const tov_c::RequestKind* found = tov_c::findRequestKind(kind.c_str());
+    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
     return found == nullptr ? nullptr : found->fromText;
 }
 

@@ -1,11 +1,11 @@
-#include "c_api/request_kinds.h"
+#include "api/request_kinds.h"
 
 #include <array>
 #include <cstring>
 
 #include "tov/entry_points.h"
 
-namespace tov_c {
+namespace tovapi {
 
 namespace {
 
@@ -45,4 +45,4 @@ std::string requestKindNamesInWords() {
     return words;
 }
 
-}  // namespace tov_c
+}  // namespace tovapi

@@ -1,7 +1,7 @@
 // The kinds of request the C interface takes, each with the library's entry
 // points for a JSON text and for the path of a JSON file.
-#ifndef TOV_C_API_REQUEST_KINDS_H_
-#define TOV_C_API_REQUEST_KINDS_H_
+#ifndef TOV_API_REQUEST_KINDS_H_
+#define TOV_API_REQUEST_KINDS_H_
 
 #include <string>
 
@@ -9,7 +9,7 @@
 
 class TOVCoreDataControllers;
 
-namespace tov_c {
+namespace tovapi {
 
 using EntryPoint = TOVResponse (*)(const std::string& input, TOVCoreDataControllers* coreData);
 
@@ -25,6 +25,6 @@ const RequestKind* findRequestKind(const char* name);
 // "rules, datamodel, edit, ... link or options", for the comment on an unknown kind.
 std::string requestKindNamesInWords();
 
-}  // namespace tov_c
+}  // namespace tovapi
 
-#endif  // TOV_C_API_REQUEST_KINDS_H_
+#endif  // TOV_API_REQUEST_KINDS_H_
