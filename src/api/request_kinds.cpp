@@ -1,6 +1,5 @@
 #include "api/request_kinds.h"
 
-#include <array>
 #include <cstring>
 
 #include "tov/entry_points.h"
@@ -10,20 +9,24 @@ namespace tovapi {
 namespace {
 
 constexpr std::array<RequestKind, 8> kKinds = {{
-    {"rules", &InitializeTOVRules, &InitializeTOVRulesFromFile},
-    {"datamodel", &InitializeTOV_DMInfo, &InitializeTOV_DMInfoFromFile},
-    {"edit", &EvaluateTOVEditAttempt, &EvaluateTOVEditAttemptFromFile},
-    {"edit-before-resolution", &EvaluateTOVEditAttemptBeforeConflictResolution,
+    {"rules", true, &InitializeTOVRules, &InitializeTOVRulesFromFile},
+    {"datamodel", true, &InitializeTOV_DMInfo, &InitializeTOV_DMInfoFromFile},
+    {"edit", false, &EvaluateTOVEditAttempt, &EvaluateTOVEditAttemptFromFile},
+    {"edit-before-resolution", false, &EvaluateTOVEditAttemptBeforeConflictResolution,
      &EvaluateTOVEditAttemptBeforeConflictResolutionFromFile},
-    {"save", &EvaluateTOVSaveReprFileAttempt, &EvaluateTOVSaveReprFileAttemptFromFile},
-    {"save-before-resolution", &EvaluateTOVSaveReprFileAttemptBeforeConflictResolution,
+    {"save", false, &EvaluateTOVSaveReprFileAttempt, &EvaluateTOVSaveReprFileAttemptFromFile},
+    {"save-before-resolution", false, &EvaluateTOVSaveReprFileAttemptBeforeConflictResolution,
      &EvaluateTOVSaveReprFileAttemptBeforeConflictResolutionFromFile},
-    {"link", &EvaluateTOVManualLinkCreation, &EvaluateTOVManualLinkCreationFromFile},
-    {"options", &EvaluateTOVProperConflictResolutionOptions,
+    {"link", false, &EvaluateTOVManualLinkCreation, &EvaluateTOVManualLinkCreationFromFile},
+    {"options", false, &EvaluateTOVProperConflictResolutionOptions,
      &EvaluateTOVProperConflictResolutionOptionsFromFile},
 }};
 
 }  // namespace
+
+const std::array<RequestKind, 8>& requestKinds() {
+    return kKinds;
+}
 
 const RequestKind* findRequestKind(const char* name) {
     for (const RequestKind& kind : kKinds) {
@@ -43,6 +46,15 @@ std::string requestKindNamesInWords() {
         words += kKinds[i].name;
     }
     return words;
+}
+
+TOVResponse unknownKindResponse(const std::string& name) {
+    TOVResponse response;
+    response.setGeneralResult(false);
+    const std::string comment =
+        "Unknown request kind \"" + name + "\": expected " + requestKindNamesInWords();
+    response.setGeneralResultComment(comment.c_str());
+    return response;
 }
 
 }  // namespace tovapi

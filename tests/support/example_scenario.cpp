@@ -40,6 +40,11 @@ RequestFunction requestFunctionOfKind(const std::string& kind) {
     return found == nullptr ? nullptr : found->fromText;
 }
 
+std::string exampleText(const std::string& relativePath) {
+    std::string text;
+    return readFile(examplePath(relativePath), text) ? text : std::string();
+}
+
 bool loadExampleDocuments(TOVCoreDataControllers* coreData) {
     const bool rulesLoaded =
         InitializeTOVRulesFromFile(examplePath("rules.json"), coreData).getGeneralResult();
@@ -63,7 +68,7 @@ std::vector<ExampleRequest> readExampleRequests() {
         if (name == nullptr || kind == nullptr) {
             return {};
         }
-        ExampleRequest request{name, requestFunctionOfKind(kind), ""};
+        ExampleRequest request{name, kind, requestFunctionOfKind(kind), ""};
         if (request.evaluate == nullptr ||
             !readFile(examplePath("requests/" + request.name + ".json"), request.text)) {
             return {};
