@@ -247,7 +247,7 @@ if(build_java)
   # What a JVM needs around a sanitized library, as the Java tests have it.
   set(CMAKE_CXX_COMPILER "${cxx}")
   set(CMAKE_CXX_FLAGS "${cxx_flags}")
-  include("${SOURCE_DIR}/cmake/java_runtime.cmake")
+  include("${SOURCE_DIR}/cmake/hosted_runtimes.cmake")
   tov_java_environment(java_environment)
   set(java_run "${CMAKE_COMMAND}" -E env --unset=LD_LIBRARY_PATH ${java_environment} "${java}")
   run_step("Java host run" ${java_run} -cp "${jar}:${java_host}" Evaluate ${documents} ${requests})
