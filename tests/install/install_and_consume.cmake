@@ -253,6 +253,14 @@ if(build_java)
   run_step("Java host run" ${java_run} -cp "${jar}:${java_host}" Evaluate ${documents} ${requests})
   expect_tov_eval_output("the Java package" "${step_output}")
 
+  # A jar linked from elsewhere, as Debian links jars into /usr/share/java,
+  # finds the installation that it links to.
+  file(MAKE_DIRECTORY "${WORK_DIR}/linked")
+  file(CREATE_LINK "${jar}" "${WORK_DIR}/linked/tov.jar" SYMBOLIC)
+  run_step("Java host run through a linked jar" ${java_run}
+    -cp "${WORK_DIR}/linked/tov.jar:${java_host}" Evaluate ${documents} ${requests})
+  expect_tov_eval_output("the Java package through a linked jar" "${step_output}")
+
   # The other two ways to the JNI library, from a copy of the jar that has no
   # installation around it: the system property, and java.library.path.
   set(lone_jar "${WORK_DIR}/lone/tov.jar")

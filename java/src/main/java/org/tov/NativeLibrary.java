@@ -63,31 +63,49 @@ final class NativeLibrary {
     /** Where the library may lie relative to the jar (or class folder) of this class. */
     static List<Path> besideThisJar() {
         List<Path> places = new ArrayList<>();
-        Path folder = folderOfThisCode();
-        if (folder == null) {
+        Path code = locationOfThisCode();
+        if (code == null) {
             return places;
         }
         String installed = installedLibraryFolder();
-        if (installed != null) {
-            places.add(folder.resolve(installed).resolve(FILE_NAME).normalize());
+        // A jar linked from elsewhere (as Debian links jars into /usr/share/java)
+        // still finds the installation it belongs to.
+        for (Path jar : new Path[] {realPath(code), code}) {
+            Path folder = Files.isDirectory(jar) ? jar : jar.getParent();
+            if (installed != null) {
+                addOnce(places, folder.resolve(installed).resolve(FILE_NAME).normalize());
+            }
+            addOnce(places, folder.resolve(FILE_NAME));
         }
-        places.add(folder.resolve(FILE_NAME));
         return places;
     }
 
-    private static Path folderOfThisCode() {
+    private static void addOnce(List<Path> places, Path place) {
+        if (!places.contains(place)) {
+            places.add(place);
+        }
+    }
+
+    private static Path locationOfThisCode() {
         CodeSource source = NativeLibrary.class.getProtectionDomain().getCodeSource();
         URL location = source == null ? null : source.getLocation();
         if (location == null) {
             return null;
         }
         try {
-            Path path = Path.of(location.toURI());
-            return Files.isDirectory(path) ? path : path.getParent();
+            return Path.of(location.toURI()).toAbsolutePath();
         } catch (URISyntaxException | IllegalArgumentException error) {
             // Not a file of this system (such as a jar inside a jar); InvalidPathException
             // is an IllegalArgumentException.
             return null;
+        }
+    }
+
+    private static Path realPath(Path path) {
+        try {
+            return path.toRealPath();
+        } catch (IOException error) {
+            return path;
         }
     }
 
