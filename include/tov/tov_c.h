@@ -1,5 +1,5 @@
 /* The C interface of tov: a door for hosts in any language (C, Python through
- * ctypes, Java through JNA or the Foreign Function API, C# through P/Invoke).
+ * ctypes, Java through the org.tov package over JNI, C# through P/Invoke).
  * It compiles as C99 and as C++, and only plain C types cross it: texts in,
  * the response's single-string form out.
  *
