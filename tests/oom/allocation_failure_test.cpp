@@ -286,6 +286,6 @@ std::string sweepName(const testing::TestParamInfo<Sweep>& info) {
     return info.param.testName;
 }
 
-INSTANTIATE_TEST_SUITE_P(Doors, AllocationFailure, testing::ValuesIn(sweeps()), sweepName);
+INSTANTIATE_TEST_SUITE_P(EachDoor, AllocationFailure, testing::ValuesIn(sweeps()), sweepName);
 
 }  // namespace
