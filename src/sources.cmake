@@ -32,6 +32,7 @@ set(TOV_SOURCES
   rules/TOVTriggersRulesJsonParser.cpp
   rules/TOVVersioningSelection.cpp
   rules/TOVVersioningSelectionRulesJsonParser.cpp
+  rules/rule_kinds.cpp
   # Request frame: response, core data, controller base
   frame/TOVActionController.cpp
   frame/TOVCoreDataControllers.cpp

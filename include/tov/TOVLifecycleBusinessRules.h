@@ -179,8 +179,8 @@ private:
         const std::string& objectType, const std::vector<std::string>& attributes,
         const AttributesMap& fromValues, const AttributesMap& toValues,
         const TOV_DMStructure* structure, std::vector<const Rule*>& related);
-    // Calls `visit(list, index, heading, label)` on each of the eight lists of
-    // `store`, const or not.
+    // Calls `visit(list, index, words)` on each of the eight lists of `store`,
+    // const or not, with the words of its kind (tov/rule_kinds.h).
     template <typename Store, typename Visit>
     static void forEachRuleList(Store& store, Visit&& visit);
     template <typename Rule>

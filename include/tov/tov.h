@@ -32,6 +32,7 @@
 #include "tov/attribute_packets.h"
 #include "tov/entry_points.h"
 #include "tov/export.h"
+#include "tov/rule_kinds.h"
 #include "tov/string_helpers.h"
 #include "tov/tov_c.h"
 #include "tov/version.h"

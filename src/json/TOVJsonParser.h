@@ -125,6 +125,10 @@ protected:
     // every section parsed.
     template <typename... SectionParsers, typename... Args>
     bool runSectionParsers(Args&... args);
+    // The same, and `noteSection(parser)` hears each section's parser once it
+    // has run, so that a caller can keep what came from which section.
+    template <typename... SectionParsers, typename NoteSection, typename... Args>
+    bool runSectionParsersNoting(NoteSection&& noteSection, Args&... args);
 
     // The frame shared by the sections of the rules document: an object that
     // maps object types to lists of rule objects. `readRule(ruleObject,
@@ -178,11 +182,17 @@ private:
 
 template <typename... SectionParsers, typename... Args>
 bool TOVJsonParser::runSectionParsers(Args&... args) {
+    return runSectionParsersNoting<SectionParsers...>([](const auto&) {}, args...);
+}
+
+template <typename... SectionParsers, typename NoteSection, typename... Args>
+bool TOVJsonParser::runSectionParsersNoting(NoteSection&& noteSection, Args&... args) {
     bool allParsed = true;
     auto run = [&](auto section) {
         allParsed = section.parseSection(args...) && allParsed;
         appendToParsingErrorComment(section.getParsingErrorComment().c_str());
         updateParsingResult(section.getParsingResult());
+        noteSection(section);
     };
     // The comma fold keeps the sections in order.
     (run(SectionParsers()), ...);

@@ -9,6 +9,7 @@
 #include "dm/object_type_matching.h"
 #include "foundation/compare.h"
 #include "foundation/log_reading.h"
+#include "rules/rule_kinds.h"
 #include "tov/TOVLogger.h"
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
@@ -104,27 +105,23 @@ void TOVLifecycleBusinessRules::sortRulesOfKind(std::vector<Rule>& rules) {
     permuteInPlace(rules, order);
 }
 
-// The one list of kinds: every walk over all lists goes through it, in the
-// order of the debug print. Each list comes with its index, the heading of its
-// print and its label among the sentences for tools; triggers have no sentence.
+// The one walk over all lists, in the order of the table of kinds: each list
+// comes with its index and the words of its kind, whose heading heads its
+// print and whose label marks its sentences for tools.
 template <typename Store, typename Visit>
 void TOVLifecycleBusinessRules::forEachRuleList(Store& store, Visit&& visit) {
+    using rulekinds::wordsOf;
     visit(store.transitionsFreeze, store.transitionsFreezeIndex,
-          "----------------TRANSITIONS FREEZE RULES--------------", "transition freeze");
-    visit(store.historyLinks, store.historyLinksIndex,
-          "---------------HISTORY LINKS RULES ------------------", "history link");
-    visit(store.manualLinks, store.manualLinksIndex,
-          "---------------MANUAL LINKS RULES ------------------", "manual link");
-    visit(store.transitions, store.transitionsIndex,
-          "---------------TRANSITION RULES ------------------", "transition");
-    visit(store.triggers, store.triggersIndex, "---------------  TRIGGER RULES ------------------",
-          nullptr);
+          wordsOf(TOVRuleKind_TransitionFreeze));
+    visit(store.historyLinks, store.historyLinksIndex, wordsOf(TOVRuleKind_HistoryLink));
+    visit(store.manualLinks, store.manualLinksIndex, wordsOf(TOVRuleKind_ManualLink));
+    visit(store.transitions, store.transitionsIndex, wordsOf(TOVRuleKind_Transition));
+    visit(store.triggers, store.triggersIndex, wordsOf(TOVRuleKind_Trigger));
     visit(store.versioningSelections, store.versioningSelectionsIndex,
-          "--------VERSIONING ATTRIBUTES SELECTION RULES--------", "versioning selection");
+          wordsOf(TOVRuleKind_VersioningSelection));
     visit(store.conflictResolutions, store.conflictResolutionsIndex,
-          "---------------CONFLICTS RESOLUTIONS RULES---------------", "conflict resolution");
-    visit(store.fileConstraints, store.fileConstraintsIndex,
-          "----------------------FILE CONSTRAINTS----------------", "file constraint");
+          wordsOf(TOVRuleKind_ConflictResolution));
+    visit(store.fileConstraints, store.fileConstraintsIndex, wordsOf(TOVRuleKind_FileConstraint));
 }
 
 template <typename Rule>
@@ -143,12 +140,11 @@ void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vecto
 // One list under its heading, found by its rule class in the list of kinds.
 template <typename Rule>
 void TOVLifecycleBusinessRules::printRulesOfKind(TOVLogger* logger) const {
-    forEachRuleList(
-        *this, [logger](const auto& rules, const auto&, const char* heading, const char*) {
-            if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
-                printRules(heading, rules, logger);
-            }
-        });
+    forEachRuleList(*this, [logger](const auto& rules, const auto&, const TOVRuleKindWords& words) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
+            printRules(words.heading, rules, logger);
+        }
+    });
 }
 
 template <typename Rule>
@@ -344,7 +340,7 @@ void TOVLifecycleBusinessRules::appendNewTriggerRule(TOVTrigger&& rule) {
 
 template <typename Rule>
 void TOVLifecycleBusinessRules::reserveRules(std::size_t additional) {
-    forEachRuleList(*this, [additional](auto& rules, const auto&, const char*, const char*) {
+    forEachRuleList(*this, [additional](auto& rules, const auto&, const TOVRuleKindWords&) {
         if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
             rules.reserve(rules.size() + additional);
         }
@@ -360,14 +356,14 @@ template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVConflictResolut
 template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVFileConstraint>(std::size_t);
 
 void TOVLifecycleBusinessRules::clearAllRules() {
-    forEachRuleList(*this, [](auto& rules, auto& index, const char*, const char*) {
+    forEachRuleList(*this, [](auto& rules, auto& index, const TOVRuleKindWords&) {
         rules.clear();
         index.clear();
     });
 }
 
 void TOVLifecycleBusinessRules::sortAllRules() {
-    forEachRuleList(*this, [](auto& rules, auto& index, const char*, const char*) {
+    forEachRuleList(*this, [](auto& rules, auto& index, const TOVRuleKindWords&) {
         sortRulesOfKind(rules);
         indexRules(rules, index);
     });
@@ -375,7 +371,7 @@ void TOVLifecycleBusinessRules::sortAllRules() {
 
 bool TOVLifecycleBusinessRules::existAnyRules() const {
     bool any = false;
-    forEachRuleList(*this, [&any](const auto& rules, const auto&, const char*, const char*) {
+    forEachRuleList(*this, [&any](const auto& rules, const auto&, const TOVRuleKindWords&) {
         any = any || !rules.empty();
     });
     return any;
@@ -491,20 +487,21 @@ void TOVLifecycleBusinessRules::printFileConstraintsDBG(TOVLogger* logger) const
 }
 
 void TOVLifecycleBusinessRules::printContentsDBG(TOVLogger* logger) const {
-    forEachRuleList(*this, [logger](const auto& rules, const auto&, const char* heading,
-                                    const char*) { printRules(heading, rules, logger); });
+    forEachRuleList(*this, [logger](const auto& rules, const auto&, const TOVRuleKindWords& words) {
+        printRules(words.heading, rules, logger);
+    });
 }
 
 std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expressRulesInWords()
     const {
     std::vector<std::pair<std::string, std::string>> sentences;
     forEachRuleList(
-        *this, [&sentences](const auto& rules, const auto&, const char*, const char* label) {
+        *this, [&sentences](const auto& rules, const auto&, const TOVRuleKindWords& words) {
             if constexpr (!std::is_same_v<std::decay_t<decltype(rules)>, std::vector<TOVTrigger>>) {
                 for (const auto& rule : rules) {
                     std::string sentence;
                     rule.expressRuleInWords(sentence);
-                    sentences.emplace_back(label, sentence);
+                    sentences.emplace_back(words.label, sentence);
                 }
             }
         });
@@ -524,11 +521,10 @@ std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRul
 std::set<std::string> TOVLifecycleBusinessRules::collectObjectTypesOfRules() const {
     std::set<std::string> objectTypes;
     // A lambda here shares the store's friendship with the rule classes.
-    forEachRuleList(*this,
-                    [&objectTypes](const auto& rules, const auto&, const char*, const char*) {
-                        for (const auto& rule : rules) {
-                            objectTypes.insert(rule.getObjectType());
-                        }
-                    });
+    forEachRuleList(*this, [&objectTypes](const auto& rules, const auto&, const TOVRuleKindWords&) {
+        for (const auto& rule : rules) {
+            objectTypes.insert(rule.getObjectType());
+        }
+    });
     return objectTypes;
 }
