@@ -56,6 +56,7 @@ set(TOV_SOURCES
   api/TOVTransactionController.cpp
   api/TOVVemoFrontdesk.cpp
   api/TOVEngine.cpp
+  api/document_faults.cpp
   api/log_setting.cpp
   api/request_kinds.cpp
   # C interface

@@ -30,6 +30,7 @@
 #include "tov/TOV_DMStructure.h"
 #include "tov/TOV_DMStructureObject.h"
 #include "tov/attribute_packets.h"
+#include "tov/document_faults.h"
 #include "tov/entry_points.h"
 #include "tov/export.h"
 #include "tov/rule_kinds.h"

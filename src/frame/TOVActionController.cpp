@@ -30,7 +30,7 @@ bool TOVActionController::isInputDataSufficientUpdateResponse(TOVResponse& respo
         response.setGeneralResult(true);
     } else {
         response.setGeneralResult(false);
-        response.setGeneralResultComment("Insufficient input data");
+        response.setGeneralResultComment(kInsufficientInputData);
     }
     return response.getGeneralResult();
 }
