@@ -1,7 +1,6 @@
 // tov explain: every loaded rule in words, grouped by kind, in the order in
 // which the rules are judged.
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <iostream>
 #include <iterator>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "tov/rule_kinds.h"
 
 namespace tovcli {
 
@@ -21,11 +21,15 @@ namespace {
 
 using ExplainOptions = DocumentCommandOptions;
 
-// The kinds as the store keeps them; the store's words carry the same labels.
-constexpr std::array<const char*, 8> kKindsInStoreOrder = {
-    "transition freeze", "history link",         "manual link",         "transition",
-    "trigger",           "versioning selection", "conflict resolution", "file constraint",
-};
+// The labels of the kinds in the order of the store's lists, which its words
+// carry too.
+std::vector<std::string> labelsInStoreOrder() {
+    std::vector<std::string> labels;
+    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+        labels.emplace_back(kind.label);
+    }
+    return labels;
+}
 
 // A trigger is never reported as a violation, so the library has no sentence
 // for it; this one reads like the sentences of the other kinds.
@@ -47,7 +51,7 @@ using RuleGroups = std::vector<std::pair<std::string, std::vector<std::string>>>
 // kinds are judged, each group in store order.
 RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
     std::map<std::string, std::vector<std::string>> byKind;
-    std::vector<std::string> kinds(kKindsInStoreOrder.begin(), kKindsInStoreOrder.end());
+    std::vector<std::string> kinds = labelsInStoreOrder();
     for (const auto& entry : rules.expressRulesInWords()) {
         if (byKind.count(entry.first) == 0 &&
             std::find(kinds.begin(), kinds.end(), entry.first) == kinds.end()) {
@@ -56,7 +60,7 @@ RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
         byKind[entry.first].push_back(entry.second);
     }
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
-        byKind["trigger"].push_back(triggerInWords(trigger));
+        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(triggerInWords(trigger));
     }
     RuleGroups groups;
     for (const std::string& kind : kinds) {
@@ -177,14 +181,19 @@ Command addExplainCommand(CLI::App& program) {
     addDocumentOptions(*command, options->documents, false);
     addLogOption(*command, options->log);
     addFormatOption(*command, options->format);
+    std::string kindsInWords;
+    for (const std::string& label : labelsInStoreOrder()) {
+        kindsInWords += (kindsInWords.empty() ? "" : ", ") + label;
+    }
     command->footer(helpText({
         "Output (standard output): one group per kind that has rules, in the order in which "
-        "the kinds are judged (transition freeze, history link, manual link, transition, "
-        "trigger, versioning selection, conflict resolution, file constraint), each rule "
-        "numbered in the store's order, which decides which rule a refusal names. \"<any>\" "
-        "stands for every object type (\"ALL\" in the document). With --dm the data model "
-        "is loaded too, so that its faults are told, and a last line tells which RLI object "
-        "types Library_Item stands for, when rules are written for it.",
+        "the kinds are judged (" +
+            kindsInWords +
+            "), each rule numbered in the store's order, which decides which rule a refusal "
+            "names. \"<any>\" "
+            "stands for every object type (\"ALL\" in the document). With --dm the data model "
+            "is loaded too, so that its faults are told, and a last line tells which RLI object "
+            "types Library_Item stands for, when rules are written for it.",
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over three lines.
         "With --format json: one object, {\"kinds\": [{\"kind\": ..., \"rules\": [sentence, "
         "...]}, ...]}, and \"libraryItem\" (a list of object types) when that last line "
