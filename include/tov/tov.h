@@ -33,6 +33,7 @@
 #include "tov/document_faults.h"
 #include "tov/entry_points.h"
 #include "tov/export.h"
+#include "tov/request_kinds.h"
 #include "tov/rule_kinds.h"
 #include "tov/string_helpers.h"
 #include "tov/tov_c.h"
