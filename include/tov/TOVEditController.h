@@ -30,7 +30,6 @@ class TOVConflictResolution;
 class TOVFileConstraint;
 class TOVHistoryLink;
 class TOVManualLink;
-class TOVManualOrHistoryLinkJsonParser;
 class TOVTransition;
 class TOVTransitionFreeze;
 
@@ -69,11 +68,15 @@ public:
     // server id under "ServerId".
     const std::vector<AttributesMap>& getHistoryLinks() const { return historyLinks; }
     void setHistoryLinks(const std::vector<AttributesMap>& links) { historyLinks = links; }
+    void setHistoryLinks(std::vector<AttributesMap>&& links) { historyLinks = std::move(links); }
     bool haveHistoryLinksDataBeenProvided() const { return historyLinksDataProvided; }
     void setHistoryLinksDataHaveBeenProvided(bool provided) { historyLinksDataProvided = provided; }
     const std::vector<AttributesMap>& getManualLinkAncestors() const { return manualLinkAncestors; }
     void setManualLinkAncestors(const std::vector<AttributesMap>& ancestors) {
         manualLinkAncestors = ancestors;
+    }
+    void setManualLinkAncestors(std::vector<AttributesMap>&& ancestors) {
+        manualLinkAncestors = std::move(ancestors);
     }
     bool haveManualLinkAncestorsDataBeenProvided() const { return manualLinkAncestorsDataProvided; }
     void setManualLinkAncestorsDataHaveBeenProvided(bool provided) {
@@ -128,17 +131,12 @@ protected:
     bool editsPropertiesUsedForObjectFamilyDetection();
 
 private:
-    // The member parsers fill the linked objects through the appenders.
-    friend class TOVManualOrHistoryLinkJsonParser;
-
     // --- Post-processing of a successful parse ---
     void postProcessTheParsedData();
     void calculateAttributesToEdit();
     void calculateAllAttributeNames();
     void sanitizeToValues();
     void updateToValuesWithTheRepresentationFileUpdate();
-    void appendAnotherHistoryLinkObject(const AttributesMap& entry);
-    void appendAnotherManualAncestorObject(const AttributesMap& entry);
 
     void calculateEditsPropertiesUsedForFamilyDetection();
     bool calculateEditsPropertiesUsedForFamilyDetectionCore(

@@ -42,6 +42,26 @@ std::string TOVEditController::getInputDataLabelIdentifierForJsonFilepath() {
     return kLabelInputIsFilepath;
 }
 
+namespace {
+
+// The request moves in through the setters, also after a fault, so that the
+// controller holds what the parse read.
+void takeOver(EditRequest&& request, TOVEditController& controller) {
+    controller.setObjectType(request.objectType);
+    controller.setFromValues(std::move(request.initialAttributes));
+    controller.setToValues(std::move(request.targetAttributes));
+    controller.setHistoryLinksDataHaveBeenProvided(request.familyMembers.has_value());
+    if (request.familyMembers) {
+        controller.setHistoryLinks(std::move(*request.familyMembers));
+    }
+    controller.setManualLinkAncestorsDataHaveBeenProvided(request.manualLinkAncestors.has_value());
+    if (request.manualLinkAncestors) {
+        controller.setManualLinkAncestors(std::move(*request.manualLinkAncestors));
+    }
+}
+
+}  // namespace
+
 // --- Accessors ---
 
 bool TOVEditController::getFromValueOfAttribute(const std::string& name, std::string& value) const {
@@ -84,8 +104,10 @@ bool TOVEditController::parseInputData(TOVResponse& response) {
     const std::string& input =
         getInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
 
-    TOVTransitionJsonParser parser(this);
-    if (!parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
+    TOVTransitionJsonParser parser;
+    const bool parsed = parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+    takeOver(parser.takeRequest(), *this);
+    if (!parsed) {
         return false;
     }
     postProcessTheParsedData();
@@ -133,16 +155,6 @@ void TOVEditController::updateToValuesWithTheRepresentationFileUpdate() {
     // The file constraint and conflict resolution rules read the difference
     // between an edit and a save from this word.
     setThisPacketFileUpdatingValue(toValues, updatingReprFile);
-}
-
-void TOVEditController::appendAnotherHistoryLinkObject(const AttributesMap& entry) {
-    historyLinks.push_back(entry);
-    historyLinksDataProvided = true;
-}
-
-void TOVEditController::appendAnotherManualAncestorObject(const AttributesMap& entry) {
-    manualLinkAncestors.push_back(entry);
-    manualLinkAncestorsDataProvided = true;
 }
 
 // --- Family detection ---

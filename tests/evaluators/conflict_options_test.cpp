@@ -414,7 +414,7 @@ TEST_F(ConflictOptions, TargetPacketIsNotNarrowedToWhatChanges) {
 }
 
 TEST(ConflictOptionsParsers, RuleNamesAndKeywords) {
-    ExposedTopParser top(nullptr);
+    ExposedTopParser top;
     Exposed<TOVVersionerObjectTypeJsonParser> objectType;
     Exposed<TOVVersionerInitialAttributesParser> initial;
     Exposed<TOVVersionerTargetAttributesParser> target;

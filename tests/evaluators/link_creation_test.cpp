@@ -328,7 +328,7 @@ TEST_F(LinkCreation, SectionThatGivesUpStoresNothing) {
 }
 
 TEST(LinkCreationParsers, RuleNamesAndKeywords) {
-    ExposedLinkCreationParser top(nullptr);
+    ExposedLinkCreationParser top;
     ExposedAncestorParser ancestor;
     ExposedDescendantParser descendant;
     EXPECT_EQ(top.getRuleName(), "Lifecycle Business");
