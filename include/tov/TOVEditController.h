@@ -41,6 +41,10 @@ public:
     TOVEditController(const std::map<std::string, std::string>& labeledInput,
                       TOVCoreDataControllers* coreData, bool updatingReprFile,
                       bool ignoreConflictResolutionErrors);
+    // The same, taking the input over, so that the request is held once.
+    TOVEditController(std::map<std::string, std::string>&& labeledInput,
+                      TOVCoreDataControllers* coreData, bool updatingReprFile,
+                      bool ignoreConflictResolutionErrors);
     TOVEditController(const TOVEditController& other) = default;
     TOVEditController& operator=(const TOVEditController& other) = default;
     ~TOVEditController() override;

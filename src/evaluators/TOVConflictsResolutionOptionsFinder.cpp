@@ -13,7 +13,12 @@
 
 TOVConflictsResolutionOptionsFinder::TOVConflictsResolutionOptionsFinder(
     const std::map<std::string, std::string>& labeledInput, TOVCoreDataControllers* coreData)
-    : TOVActionController(TOVFunctionality_ProperConflictResolutionOptions, labeledInput,
+    : TOVConflictsResolutionOptionsFinder(std::map<std::string, std::string>(labeledInput),
+                                          coreData) {}
+
+TOVConflictsResolutionOptionsFinder::TOVConflictsResolutionOptionsFinder(
+    std::map<std::string, std::string>&& labeledInput, TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_ProperConflictResolutionOptions, std::move(labeledInput),
                           coreData) {}
 
 TOVConflictsResolutionOptionsFinder::TOVConflictsResolutionOptionsFinder(

@@ -21,8 +21,14 @@
 TOVEditController::TOVEditController(const std::map<std::string, std::string>& labeledInput,
                                      TOVCoreDataControllers* coreData, bool updatingReprFile,
                                      bool ignoreConflictResolutionErrors)
+    : TOVEditController(std::map<std::string, std::string>(labeledInput), coreData,
+                        updatingReprFile, ignoreConflictResolutionErrors) {}
+
+TOVEditController::TOVEditController(std::map<std::string, std::string>&& labeledInput,
+                                     TOVCoreDataControllers* coreData, bool updatingReprFile,
+                                     bool ignoreConflictResolutionErrors)
     // The flavour lives in the two bools; the base always hears "edit attempt".
-    : TOVActionController(TOVFunctionality_EditAttempt, labeledInput, coreData),
+    : TOVActionController(TOVFunctionality_EditAttempt, std::move(labeledInput), coreData),
       updatingReprFile(updatingReprFile),
       historyLinksDataProvided(false),
       manualLinkAncestorsDataProvided(false),

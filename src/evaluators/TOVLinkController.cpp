@@ -13,7 +13,11 @@
 
 TOVLinkController::TOVLinkController(const std::map<std::string, std::string>& labeledInput,
                                      TOVCoreDataControllers* coreData)
-    : TOVActionController(TOVFunctionality_ManualLinkCreation, labeledInput, coreData) {}
+    : TOVLinkController(std::map<std::string, std::string>(labeledInput), coreData) {}
+
+TOVLinkController::TOVLinkController(std::map<std::string, std::string>&& labeledInput,
+                                     TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_ManualLinkCreation, std::move(labeledInput), coreData) {}
 
 TOVLinkController::~TOVLinkController() = default;
 

@@ -1,5 +1,7 @@
 #include "tov/TOVActionController.h"
 
+#include <utility>
+
 #include "frame/input_labels.h"
 
 #include "tov/TOVCoreDataControllers.h"
@@ -10,6 +12,11 @@ TOVActionController::TOVActionController(TOVFunctionality functionality,
                                          const std::map<std::string, std::string>& labeledInput,
                                          TOVCoreDataControllers* coreData)
     : functionality(functionality), inputData(labeledInput), coreData(coreData) {}
+
+TOVActionController::TOVActionController(TOVFunctionality functionality,
+                                         std::map<std::string, std::string>&& labeledInput,
+                                         TOVCoreDataControllers* coreData)
+    : functionality(functionality), inputData(std::move(labeledInput)), coreData(coreData) {}
 
 TOVActionController::~TOVActionController() = default;
 
