@@ -7,7 +7,7 @@
 #include <string>
 
 #include "json_output.h"
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
 
 namespace tovcli {
 

@@ -11,7 +11,9 @@
 #include "api/log_setting.h"
 #include "json/json_types.h"
 #include "json_files.h"
+#include "tov/TOVResponse.h"
 #include "tov/document_faults.h"
+#include "tov/entry_points.h"
 #include "tov/rule_kinds.h"
 
 namespace tovcli {

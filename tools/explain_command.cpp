@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "commands.h"
+#include "tov/TOVTrigger.h"
 #include "tov/rule_kinds.h"
+#include "tov/string_helpers.h"
 
 namespace tovcli {
 

@@ -5,6 +5,8 @@
 
 #include "json_files.h"
 #include "tov/rule_kinds.h"
+#include "tov/string_helpers.h"
+#include "tov/vocabulary.h"
 
 namespace tovcli {
 

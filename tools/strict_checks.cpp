@@ -9,6 +9,7 @@
 
 #include "json_files.h"
 #include "tov/rule_kinds.h"
+#include "tov/string_helpers.h"
 
 namespace tovcli {
 

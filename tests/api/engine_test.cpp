@@ -8,6 +8,11 @@
 
 #include "example_scenario.h"
 #include "test_support.h"
+#include "tov/TOVEngine.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/entry_points.h"
+#include "tov/request_kinds.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include "json/TOVJsonParser.h"
 #include "json/json_types.h"
 #include "test_support.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

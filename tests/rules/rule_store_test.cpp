@@ -2,7 +2,22 @@
 #include <vector>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOVVersioningSelection.h"
+#include "tov/TOV_DMAttribute.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+#include "tov/entry_points.h"
+#include "tov/rule_kinds.h"
+#include "tov/vocabulary.h"
 
 namespace {
 
@@ -351,10 +366,10 @@ TEST(RuleStore, EveryRuleKeepsItsPlaceInItsSectionOfTheDocument) {
         judged.push_back(sentence.second);
     }
     // Sorted by object type (the shorter first), then by from value.
-    EXPECT_EQ(judged, (std::vector<std::string>{
-                          "For Part: Status can transition from \"B\" to \"R\"",
-                          "For Part: Status can transition from \"W\" to \"R\"",
-                          "For <any>: Owner can transition from \"x\" to \"y\""}));
+    EXPECT_EQ(judged,
+              (std::vector<std::string>{"For Part: Status can transition from \"B\" to \"R\"",
+                                        "For Part: Status can transition from \"W\" to \"R\"",
+                                        "For <any>: Owner can transition from \"x\" to \"y\""}));
     EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 0), 1u);
     EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 1), 0u);
     EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 2), 2u);
