@@ -154,7 +154,9 @@ private:
     bool foundHistoryLinkViolation(TOVResponse& response);
     bool foundManualLinkViolation(TOVResponse& response);
 
-    bool getFirstTransitionFreezeRuleViolation(TOVTransitionFreeze& violated);
+    // The last edited attribute that a rule freezes decides which rule the
+    // refusal names: the first rule, in store order, that freezes it.
+    bool getLastTransitionFreezeRuleViolation(TOVTransitionFreeze& violated);
     bool getFirstTransitionRuleViolation(TOVTransition& violated);
     bool getFirstFileConstraintRuleViolation(TOVFileConstraint& violated);
     bool getFirstConflictResolutionViolation(TOVConflictResolution& violated);
@@ -166,14 +168,6 @@ private:
     bool shouldIgnoreTransitionRule(const TOVTransition& rule);
     bool shouldCheckForConflictResolutionViolations();
 
-    void composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,
-                                               const AttributesMap& offendingEntry,
-                                               bool missingData, std::string& comment);
-    void composeCommentForManualLinkViolation(const TOVManualLink& rule,
-                                              const AttributesMap& offendingEntry, bool missingData,
-                                              std::string& comment);
-    void markResponseWithHistoryLinkMissingData(TOVResponse& response);
-    void markResponseWithManualLinkMissingData(TOVResponse& response);
     bool isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response);
     bool isResponseMarkedWithManualLinkMissingData(const TOVResponse& response);
 

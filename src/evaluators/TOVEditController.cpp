@@ -239,7 +239,7 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
 
 bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response) {
     TOVTransitionFreeze violated;
-    if (!getFirstTransitionFreezeRuleViolation(violated)) {
+    if (!getLastTransitionFreezeRuleViolation(violated)) {
         return false;
     }
     refuseForRule("Transition freeze violation detected: ", violated, response);
@@ -276,7 +276,7 @@ bool TOVEditController::foundConflictResolutionViolation(TOVResponse& response) 
     return true;
 }
 
-bool TOVEditController::getFirstTransitionFreezeRuleViolation(TOVTransitionFreeze& violated) {
+bool TOVEditController::getLastTransitionFreezeRuleViolation(TOVTransitionFreeze& violated) {
     const std::vector<std::string>& edited = getAttributesToEdit();
     std::vector<const TOVTransitionFreeze*> related;
     getLifecycleBusinessRules()->getRelatedTransitionFreezeRules(objectType, edited,
@@ -377,26 +377,37 @@ void composeLinkViolationComment(const char* heading, const Rule& rule,
     rule.expressRuleInWords(comment);
 }
 
-// The one body of both link checks; each kind hands in its own steps.
-template <typename Rule>
-bool foundLinkViolation(TOVEditController& controller,
-                        bool (TOVEditController::*getFirstViolation)(Rule&, AttributesMap&, bool&),
-                        void (TOVEditController::*composeComment)(const Rule&, const AttributesMap&,
-                                                                  bool, std::string&),
-                        void (TOVEditController::*markMissingData)(TOVResponse&),
-                        TOVResponse& response) {
-    Rule violated;
+// What tells the two link checks apart, besides their lookup: the rule
+// class, the opening of the refusal and the keyword that asks for the
+// linked objects when the request left them out.
+struct HistoryLinkCheck {
+    using Rule = TOVHistoryLink;
+    static constexpr const char* kHeading = "History Link violation detected.";
+    static const char* missingDataKeyword() { return TOVResponseKeyword_ObjectFamilyMembers; }
+};
+
+struct ManualLinkCheck {
+    using Rule = TOVManualLink;
+    static constexpr const char* kHeading = "Manual Ancestor Link violation detected.";
+    static const char* missingDataKeyword() { return TOVResponseKeyword_ManualAncestors; }
+};
+
+// The one body of both link checks. `getFirstViolation(violated,
+// offendingEntry, missingData)` is the kind's lookup.
+template <typename Check, typename GetFirstViolation>
+bool foundLinkViolation(GetFirstViolation&& getFirstViolation, TOVResponse& response) {
+    typename Check::Rule violated;
     AttributesMap offendingEntry;
     bool missingData = false;
-    if (!(controller.*getFirstViolation)(violated, offendingEntry, missingData)) {
+    if (!getFirstViolation(violated, offendingEntry, missingData)) {
         return false;
     }
     response.setGeneralResult(false);
     std::string comment;
-    (controller.*composeComment)(violated, offendingEntry, missingData, comment);
+    composeLinkViolationComment(Check::kHeading, violated, offendingEntry, missingData, comment);
     response.appendToGeneralResultComment(comment.c_str());
     if (missingData) {
-        (controller.*markMissingData)(response);
+        response.setThisKeywordToReportMissingData(Check::missingDataKeyword());
     }
     return true;
 }
@@ -426,15 +437,19 @@ bool selectFirstLinkViolation(const std::vector<const Rule*>& related, bool link
 }  // namespace
 
 bool TOVEditController::foundHistoryLinkViolation(TOVResponse& response) {
-    return foundLinkViolation(*this, &TOVEditController::getFirstHistoryLinkRuleViolation,
-                              &TOVEditController::composeCommentForHistoryLinkViolation,
-                              &TOVEditController::markResponseWithHistoryLinkMissingData, response);
+    return foundLinkViolation<HistoryLinkCheck>(
+        [this](TOVHistoryLink& violated, AttributesMap& offendingEntry, bool& missingData) {
+            return getFirstHistoryLinkRuleViolation(violated, offendingEntry, missingData);
+        },
+        response);
 }
 
 bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
-    return foundLinkViolation(*this, &TOVEditController::getFirstManualLinkRuleViolation,
-                              &TOVEditController::composeCommentForManualLinkViolation,
-                              &TOVEditController::markResponseWithManualLinkMissingData, response);
+    return foundLinkViolation<ManualLinkCheck>(
+        [this](TOVManualLink& violated, AttributesMap& offendingEntry, bool& missingData) {
+            return getFirstManualLinkRuleViolation(violated, offendingEntry, missingData);
+        },
+        response);
 }
 
 bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated,
@@ -467,30 +482,6 @@ bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
     };
     return selectFirstLinkViolation(related, manualLinkAncestorsDataProvided, violates, violated,
                                     missingData);
-}
-
-void TOVEditController::composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,
-                                                              const AttributesMap& offendingEntry,
-                                                              bool missingData,
-                                                              std::string& comment) {
-    composeLinkViolationComment("History Link violation detected.", rule, offendingEntry,
-                                missingData, comment);
-}
-
-void TOVEditController::composeCommentForManualLinkViolation(const TOVManualLink& rule,
-                                                             const AttributesMap& offendingEntry,
-                                                             bool missingData,
-                                                             std::string& comment) {
-    composeLinkViolationComment("Manual Ancestor Link violation detected.", rule, offendingEntry,
-                                missingData, comment);
-}
-
-void TOVEditController::markResponseWithHistoryLinkMissingData(TOVResponse& response) {
-    response.setThisKeywordToReportMissingData(TOVResponseKeyword_ObjectFamilyMembers);
-}
-
-void TOVEditController::markResponseWithManualLinkMissingData(TOVResponse& response) {
-    response.setThisKeywordToReportMissingData(TOVResponseKeyword_ManualAncestors);
 }
 
 bool TOVEditController::isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response) {
