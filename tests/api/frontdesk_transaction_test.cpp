@@ -388,7 +388,9 @@ TEST_F(TransactionTest, UnknownFunctionalityLeavesTheTransactionWithoutControlle
 
 TEST_F(TransactionTest, ExecutingWithoutControllerGivesTheDefaultResponseSilently) {
     StringMap input;
+    startCapture();
     TOVTransactionController transaction(kNegativeFunctionality, input, &coreData);
+    EXPECT_EQ(stopCapture(), "ATTENTION!!! YOU FORGOT TO ADD -1 IN THE FACTORY!!\n");
     ASSERT_FALSE(transaction.hasController());
 
     startCapture();
@@ -399,7 +401,9 @@ TEST_F(TransactionTest, ExecutingWithoutControllerGivesTheDefaultResponseSilentl
 
 TEST_F(TransactionTest, DestroyingATransactionWithoutControllerLogsNothing) {
     StringMap input;
+    startCapture();
     auto* transaction = new TOVTransactionController(kUnknownFunctionality, input, &coreData);
+    EXPECT_EQ(stopCapture(), "ATTENTION!!! YOU FORGOT TO ADD 8 IN THE FACTORY!!\n");
     startCapture();
     delete transaction;
     EXPECT_EQ(stopCapture(), "");
