@@ -21,6 +21,7 @@ using Fault = std::pair<std::string, std::string>;
 
 std::vector<Fault> plain(const std::vector<TOVDocumentFault>& faults) {
     std::vector<Fault> plainFaults;
+    plainFaults.reserve(faults.size());
     for (const TOVDocumentFault& fault : faults) {
         plainFaults.emplace_back(fault.section, fault.message);
     }

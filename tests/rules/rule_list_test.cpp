@@ -34,6 +34,7 @@ const auto kEvery = [](const TinyRule&) { return true; };
 
 std::vector<std::string> namesOf(const std::vector<const TinyRule*>& rules) {
     std::vector<std::string> names;
+    names.reserve(rules.size());
     for (const TinyRule* rule : rules) {
         names.push_back(rule->name);
     }
@@ -146,6 +147,7 @@ TEST(RuleList, SortingIsTheOrderOfStdSortByTheKeys) {
     });
     list.sort();
     std::vector<std::string> expectedNames;
+    expectedNames.reserve(expected.size());
     for (const TinyRule& rule : expected) {
         expectedNames.push_back(rule.name);
     }
