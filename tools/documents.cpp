@@ -195,6 +195,42 @@ TOVResponse initializeFromDocument(const Document& document, PrivateCore& core) 
                  : InitializeTOV_DMInfoFromFile(document.path, core.get());
 }
 
+bool findingsOfLoad(const Document& document, const TOVResponse& response,
+                    const std::string& printed, std::uint64_t maxInputSize,
+                    std::vector<Finding>& findings) {
+    std::vector<std::pair<std::string, int>> notices;
+    std::cerr << takeOutNotices(printed, notices);
+
+    const std::string comment = response.getGeneralResultComment();
+    const bool loaded = response.getGeneralResult();
+    if (loaded) {
+        findings.push_back({Finding::kLoaded, document.path, {}, {}, comment});
+    } else {
+        for (std::string& fault : splitFaults(comment)) {
+            const bool unusable =
+                fault == kFundamentalParsingError || fault == kInsufficientInputData;
+            findings.push_back({Finding::kFault,
+                                document.path,
+                                sectionOfFault(document.kind, fault),
+                                {},
+                                std::move(fault)});
+            if (unusable) {
+                explainUnusableText(document, maxInputSize, findings);
+            }
+        }
+    }
+    for (const auto& notice : notices) {
+        std::string message = notice.first;
+        if (notice.second > 1) {
+            message += " (" + std::to_string(notice.second) + " times)";
+        }
+        Finding note = noteOn(document, std::move(message));
+        note.section = "transitions";
+        findings.push_back(std::move(note));
+    }
+    return loaded;
+}
+
 bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
                    std::uint64_t maxInputSize, std::vector<Finding>& findings) {
     bool allLoaded = true;
@@ -202,36 +238,8 @@ bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
         StdoutCapture capture;
         const TOVResponse response = initializeFromDocument(document, core);
         const std::string printed = capture.finish();
-
-        std::vector<std::pair<std::string, int>> notices;
-        std::cerr << takeOutNotices(printed, notices);
-
-        const std::string comment = response.getGeneralResultComment();
-        if (response.getGeneralResult()) {
-            findings.push_back({Finding::kLoaded, document.path, {}, {}, comment});
-        } else {
+        if (!findingsOfLoad(document, response, printed, maxInputSize, findings)) {
             allLoaded = false;
-            for (std::string& fault : splitFaults(comment)) {
-                const bool unusable =
-                    fault == kFundamentalParsingError || fault == kInsufficientInputData;
-                findings.push_back({Finding::kFault,
-                                    document.path,
-                                    sectionOfFault(document.kind, fault),
-                                    {},
-                                    std::move(fault)});
-                if (unusable) {
-                    explainUnusableText(document, maxInputSize, findings);
-                }
-            }
-        }
-        for (const auto& notice : notices) {
-            std::string message = notice.first;
-            if (notice.second > 1) {
-                message += " (" + std::to_string(notice.second) + " times)";
-            }
-            Finding note = noteOn(document, std::move(message));
-            note.section = "transitions";
-            findings.push_back(std::move(note));
         }
     }
     return allLoaded;

@@ -1,0 +1,34 @@
+// The loaded rules read back in words, as tov explain tells them and the
+// service hands them out: grouped by kind, in the order of judgement.
+#ifndef TOV_TOOLS_RULES_IN_WORDS_H_
+#define TOV_TOOLS_RULES_IN_WORDS_H_
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tov/tov.h"
+
+namespace tovcli {
+
+// Kind ("transition freeze", ...) with the sentences of its rules.
+using RuleGroups = std::vector<std::pair<std::string, std::vector<std::string>>>;
+
+// The sentences of every rule, grouped by kind in the order in which the
+// kinds are judged, each group in store order.
+RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules);
+
+// "Library_Item" stands for every RLI type: with a data model at hand, and
+// rules written for it, the names of those types (perhaps none).
+std::optional<std::vector<std::string>> libraryItemTypes(const TOVLifecycleBusinessRules& rules,
+                                                         const TOV_DMStructure& dataModel);
+
+// {"kinds": [{"kind": ..., "rules": [...]}, ...]} and, when given,
+// "libraryItem": the form of tov explain --format json, without a line end.
+std::string rulesInWordsJson(const RuleGroups& groups,
+                             const std::optional<std::vector<std::string>>& libraryItem);
+
+}  // namespace tovcli
+
+#endif  // TOV_TOOLS_RULES_IN_WORDS_H_
