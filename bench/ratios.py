@@ -26,6 +26,7 @@ SPEED_RATIOS = [
      "BM_ParseRules100k", 3.0),
     ("options at 100,000 rules / options at 100 rules", "BM_Options/100000", "BM_Options/100",
      1.5),
+    ("edit through a shared engine / edit at 100 rules", "BM_EngineEdit", "BM_Edit/100", 1.05),
 ]
 MEMORY_RATIO = ("peak memory of a load from text / document size", "text", 3.0)
 

@@ -4,7 +4,6 @@
 // and the program's own objects never repeat a key (the library's single
 // string may, for keys that differ only in white space, and a line's "id" is
 // handed back as it came).
-#include <rapidjson/document.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -16,6 +15,7 @@
 
 #include "batch_line.h"
 #include "fuzz_support.h"
+#include "json/json_types.h"
 
 namespace {
 
@@ -23,13 +23,13 @@ using tovcli::OutputFormat;
 
 // Walks `value` with a stack of its own, so that the answer's depth cannot
 // exhaust the fuzzer's, and fails on an object with two members of one name.
-void checkNoRepeatedKey(const rapidjson::Value& root, const std::string& answer) {
-    std::vector<const rapidjson::Value*> pending = {&root};
+void checkNoRepeatedKey(const tovjson::Value& root, const std::string& answer) {
+    std::vector<const tovjson::Value*> pending = {&root};
     while (!pending.empty()) {
-        const rapidjson::Value* value = pending.back();
+        const tovjson::Value* value = pending.back();
         pending.pop_back();
         if (value->IsArray()) {
-            for (const rapidjson::Value& element : value->GetArray()) {
+            for (const tovjson::Value& element : value->GetArray()) {
                 pending.push_back(&element);
             }
         } else if (value->IsObject()) {
@@ -52,7 +52,7 @@ void checkAnswer(const tovcli::BatchAnswer& answer, OutputFormat format) {
     if (answer.text.find('\n') != std::string::npos) {
         tovfuzz::fail("an answer of more than one line: " + answer.text);
     }
-    rapidjson::Document parsed;
+    tovjson::Document parsed;
     parsed.Parse<rapidjson::kParseIterativeFlag>(answer.text.c_str(), answer.text.size());
     if (parsed.HasParseError() || !parsed.IsObject()) {
         tovfuzz::fail("an answer that is no JSON object: " + answer.text);

@@ -7,9 +7,8 @@
 #include <cstdint>
 #include <string>
 
-#include <rapidjson/document.h>
-
 #include "fuzz_support.h"
+#include "json/json_types.h"
 #include "tov/tov.h"
 
 namespace {
@@ -28,7 +27,7 @@ AttributesMap consumePacket(FuzzedDataProvider& input) {
 }
 
 void checkIsAnObject(const std::string& json) {
-    rapidjson::Document document;
+    tovjson::Document document;
     document.Parse<rapidjson::kParseIterativeFlag>(json.c_str());
     if (document.HasParseError() || !document.IsObject()) {
         tovfuzz::fail("Composed text is no JSON object: " + json);

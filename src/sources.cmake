@@ -54,9 +54,10 @@ set(TOV_SOURCES
   api/TOVFrontdesk.cpp
   api/TOVTransactionController.cpp
   api/TOVVemoFrontdesk.cpp
+  api/TOVEngine.cpp
+  api/log_setting.cpp
+  api/request_kinds.cpp
   # C interface
   c_api/answers.cpp
-  c_api/log_setting.cpp
-  c_api/request_kinds.cpp
   c_api/tov_c.cpp
 )

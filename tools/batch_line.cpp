@@ -9,7 +9,7 @@ namespace tovcli {
 namespace {
 
 // Opens the answer object, led by the line's "id" in JSON form.
-void startAnswer(JsonWriter& writer, const rapidjson::Value* id, OutputFormat format) {
+void startAnswer(JsonWriter& writer, const tovjson::Value* id, OutputFormat format) {
     writer.StartObject();
     if (id != nullptr && format == OutputFormat::kJson) {
         writer.Key("id");
@@ -18,8 +18,8 @@ void startAnswer(JsonWriter& writer, const rapidjson::Value* id, OutputFormat fo
 }
 
 BatchAnswer errorAnswer(std::size_t lineNumber, const std::string& message,
-                        const rapidjson::Value* id, OutputFormat format) {
-    rapidjson::StringBuffer buffer;
+                        const tovjson::Value* id, OutputFormat format) {
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     startAnswer(writer, id, format);
     writer.Key("line");
@@ -42,7 +42,7 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     if (isBlank(line)) {
         return errorAnswer(lineNumber, "empty line", nullptr, format);
     }
-    rapidjson::Document parsed;
+    tovjson::Document parsed;
     // Iterative, so that a deeply nested line cannot overflow the stack.
     parsed.Parse<rapidjson::kParseIterativeFlag>(line.c_str(), line.size());
     if (parsed.HasParseError()) {
@@ -56,7 +56,7 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
         return errorAnswer(lineNumber, "not a JSON object", nullptr, format);
     }
     const auto idMember = parsed.FindMember("id");
-    const rapidjson::Value* id = idMember == parsed.MemberEnd() ? nullptr : &idMember->value;
+    const tovjson::Value* id = idMember == parsed.MemberEnd() ? nullptr : &idMember->value;
     const auto kind = parsed.FindMember("kind");
     if (kind == parsed.MemberEnd()) {
         return errorAnswer(lineNumber, "missing \"kind\"", id, format);
@@ -78,7 +78,7 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     if (!request->value.IsObject()) {
         return errorAnswer(lineNumber, "\"request\" is not a JSON object", id, format);
     }
-    rapidjson::StringBuffer requestText;
+    tovjson::StringBuffer requestText;
     JsonWriter requestWriter(requestText);
     writeValue(requestWriter, request->value);
     const TOVResponse response =
@@ -86,7 +86,7 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     if (format == OutputFormat::kText) {
         return {response.turnResponseIntoASingleString(), true};
     }
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     startAnswer(writer, id, format);
     writeResponseMembers(writer, response);

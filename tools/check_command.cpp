@@ -87,7 +87,7 @@ void writeFindingJson(JsonWriter& writer, const Finding& finding) {
 // {"documents": [{"document", "loaded", "comment"}], "faults": [...], "notes": [...]};
 // under --strict every note is listed among the faults.
 void printJson(const std::vector<Finding>& findings, bool strict, std::ostream& out) {
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
     writer.Key("documents");

@@ -1,6 +1,5 @@
 #include "documents.h"
 
-#include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
 
 #include <algorithm>
@@ -9,7 +8,8 @@
 #include <iostream>
 #include <utility>
 
-#include "c_api/log_setting.h"
+#include "api/log_setting.h"
+#include "json/json_types.h"
 #include "json_files.h"
 
 namespace tovcli {
@@ -84,7 +84,7 @@ void explainUnusableText(const Document& document, std::uint64_t maxInputSize,
         findings.push_back(noteOn(document, error));
         return;
     }
-    rapidjson::Document json;
+    tovjson::Document json;
     // Iterative like the library's own parse, so deep nesting cannot overflow the stack.
     json.Parse<rapidjson::kParseIterativeFlag>(text.c_str());
     if (json.HasParseError()) {
@@ -157,7 +157,7 @@ void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out
 bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
                     std::string& logFolder, std::vector<Document>& documents) {
     std::string error;
-    if (!tov_c::libraryLogSetting(logOption, logFolder, error)) {
+    if (!tovapi::libraryLogSetting(logOption, logFolder, error)) {
         std::cerr << "tov: " << error << "\n";
         return false;
     }

@@ -36,7 +36,7 @@ int runGraph(const GraphOptions& options) {
             return kExitUsageOrInput;
         }
     }
-    rapidjson::Document rules;
+    tovjson::Document rules;
     std::string error;
     if (!parseJsonFile(options.documents.rulesPath, "rules document",
                        options.documents.maxInputSize, rules, error)) {

@@ -11,7 +11,7 @@
 namespace tovcli {
 
 bool parseJsonFile(const std::string& path, const char* what, std::uint64_t limit,
-                   rapidjson::Document& json, std::string& error) {
+                   tovjson::Document& json, std::string& error) {
     std::string text;
     if (!readInput(path, what, limit, text, error)) {
         return false;
@@ -32,7 +32,7 @@ std::string textLocation(const std::string& text, std::size_t offset) {
     return std::to_string(line) + ":" + std::to_string(end - lineStart + 1);
 }
 
-const rapidjson::Value* findString(const rapidjson::Value& object, const char* name) {
+const tovjson::Value* findString(const tovjson::Value& object, const char* name) {
     if (!object.IsObject()) {
         return nullptr;
     }
@@ -40,13 +40,13 @@ const rapidjson::Value* findString(const rapidjson::Value& object, const char* n
     return member != object.MemberEnd() && member->value.IsString() ? &member->value : nullptr;
 }
 
-std::string stringOf(const rapidjson::Value& object, const char* name) {
-    const rapidjson::Value* value = findString(object, name);
+std::string stringOf(const tovjson::Value& object, const char* name) {
+    const tovjson::Value* value = findString(object, name);
     return value == nullptr ? std::string()
                             : std::string(value->GetString(), value->GetStringLength());
 }
 
-const char* jsonTypeName(const rapidjson::Value& value) {
+const char* jsonTypeName(const tovjson::Value& value) {
     switch (value.GetType()) {
         case rapidjson::kNullType:
             return "null";

@@ -3,11 +3,11 @@
 #ifndef TOV_TOOLS_JSON_FILES_H_
 #define TOV_TOOLS_JSON_FILES_H_
 
-#include <rapidjson/document.h>
-
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include "json/json_types.h"
 
 namespace tovcli {
 
@@ -16,19 +16,19 @@ namespace tovcli {
 // `error` ("cannot read suite x: ..." or "x:LINE:COLUMN: Invalid value."), when
 // it cannot be read or is no JSON.
 bool parseJsonFile(const std::string& path, const char* what, std::uint64_t limit,
-                   rapidjson::Document& json, std::string& error);
+                   tovjson::Document& json, std::string& error);
 
 // "LINE:COLUMN" of a byte offset in a text, both counted from 1.
 std::string textLocation(const std::string& text, std::size_t offset);
 
 // The member `name` of an object when it is a string, else null.
-const rapidjson::Value* findString(const rapidjson::Value& object, const char* name);
+const tovjson::Value* findString(const tovjson::Value& object, const char* name);
 
 // The member `name` of an object as text; empty when it is absent or no string.
-std::string stringOf(const rapidjson::Value& object, const char* name);
+std::string stringOf(const tovjson::Value& object, const char* name);
 
 // "array", "object", "string"... for messages.
-const char* jsonTypeName(const rapidjson::Value& value);
+const char* jsonTypeName(const tovjson::Value& value);
 
 // Of `candidates`, the one nearest to `word` by edit distance (ties to the
 // first), or empty when none is within `maxDistance`.

@@ -7,7 +7,7 @@ namespace tovcli {
 namespace {
 
 // Writes a scalar, or opens a container; true when a container was opened.
-bool writeScalarOrOpen(JsonWriter& writer, const rapidjson::Value& value) {
+bool writeScalarOrOpen(JsonWriter& writer, const tovjson::Value& value) {
     switch (value.GetType()) {
         case rapidjson::kObjectType:
             writer.StartObject();
@@ -43,9 +43,9 @@ void writeString(JsonWriter& writer, const std::string& text) {
     writer.String(text.c_str(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-void writeValue(JsonWriter& writer, const rapidjson::Value& value) {
+void writeValue(JsonWriter& writer, const tovjson::Value& value) {
     struct Open {
-        const rapidjson::Value* container;
+        const tovjson::Value* container;
         rapidjson::SizeType next;
     };
     std::vector<Open> open;
@@ -53,9 +53,9 @@ void writeValue(JsonWriter& writer, const rapidjson::Value& value) {
         open.push_back({&value, 0});
     }
     while (!open.empty()) {
-        const rapidjson::Value& container = *open.back().container;
+        const tovjson::Value& container = *open.back().container;
         const rapidjson::SizeType index = open.back().next++;
-        const rapidjson::Value* child = nullptr;
+        const tovjson::Value* child = nullptr;
         if (container.IsObject()) {
             if (index == container.MemberCount()) {
                 writer.EndObject(container.MemberCount());
@@ -130,7 +130,7 @@ void writeResponseMembers(JsonWriter& writer, const TOVResponse& response) {
 }
 
 std::string responseAsJson(const TOVResponse& response) {
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
     writeResponseMembers(writer, response);

@@ -4,17 +4,14 @@
 #ifndef TOV_TOOLS_JSON_OUTPUT_H_
 #define TOV_TOOLS_JSON_OUTPUT_H_
 
-#include <rapidjson/document.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <string>
 
+#include "json/json_types.h"
 #include "tov/tov.h"
 
 namespace tovcli {
 
-using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
+using JsonWriter = tovjson::Writer;
 
 // How a command writes its answers.
 enum class OutputFormat { kText, kJson };
@@ -22,7 +19,7 @@ enum class OutputFormat { kText, kJson };
 void writeString(JsonWriter& writer, const std::string& text);
 
 // Writes `value` with a stack of its own instead of RapidJSON's recursive Accept.
-void writeValue(JsonWriter& writer, const rapidjson::Value& value);
+void writeValue(JsonWriter& writer, const tovjson::Value& value);
 
 // Writes the members of one response into an object that the caller opened:
 // "result" (a bool), "comment", "keywords" (every keyword with its text, the

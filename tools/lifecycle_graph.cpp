@@ -11,9 +11,9 @@ namespace {
 
 // Calls `visit` with every rule object of `section` written for an object type
 // that matches `objectType`.
-void forEachRule(const rapidjson::Value& rules, const char* section, const std::string& objectType,
+void forEachRule(const tovjson::Value& rules, const char* section, const std::string& objectType,
                  const TOV_DMStructure& dataModel,
-                 const std::function<void(const rapidjson::Value&)>& visit) {
+                 const std::function<void(const tovjson::Value&)>& visit) {
     const auto found = rules.FindMember(section);
     if (found == rules.MemberEnd() || !found->value.IsObject()) {
         return;
@@ -41,7 +41,7 @@ void addValue(LifecycleGraph& graph, const std::string& value) {
 
 // Labels the edges that a rule's from and to values stand for, matched as the
 // rules compare values: case ignored, "<any>" on either side.
-void labelEdgesOf(LifecycleGraph& graph, const rapidjson::Value& rule, const std::string& label) {
+void labelEdgesOf(LifecycleGraph& graph, const tovjson::Value& rule, const std::string& label) {
     const std::string from = stringOf(rule, "fromValue");
     const std::string to = stringOf(rule, "toValue");
     for (LifecycleEdge& edge : graph.edges) {
@@ -105,17 +105,17 @@ bool describesObjectType(const TOV_DMStructure& dataModel, const std::string& ob
     });
 }
 
-LifecycleGraph buildLifecycleGraph(const rapidjson::Value& rules, const std::string& objectType,
+LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::string& objectType,
                                    const std::string& attribute, const TOV_DMStructure& dataModel) {
     LifecycleGraph graph{objectType, attribute, {}, {}, {}};
     const auto forEach = [&](const char* section, auto&& visit) {
-        forEachRule(rules, section, objectType, dataModel, [&](const rapidjson::Value& rule) {
+        forEachRule(rules, section, objectType, dataModel, [&](const tovjson::Value& rule) {
             if (stringOf(rule, "attribute") == attribute) {
                 visit(rule);
             }
         });
     };
-    forEach("transitions", [&](const rapidjson::Value& rule) {
+    forEach("transitions", [&](const tovjson::Value& rule) {
         const std::string from = stringOf(rule, "fromValue");
         addValue(graph, from);
         const auto toValues = rule.FindMember("toValue");
@@ -134,7 +134,7 @@ LifecycleGraph buildLifecycleGraph(const rapidjson::Value& rules, const std::str
             }
         }
     });
-    forEach("fileConstraints", [&](const rapidjson::Value& rule) {
+    forEach("fileConstraints", [&](const tovjson::Value& rule) {
         const std::string word = stringOf(rule, "updateFile");
         const char* label = word == TOVAttrItemValue_Mandatory   ? "file upload required"
                             : word == TOVAttrItemValue_Forbidden ? "no file upload"
@@ -143,7 +143,7 @@ LifecycleGraph buildLifecycleGraph(const rapidjson::Value& rules, const std::str
             labelEdgesOf(graph, rule, label);
         }
     });
-    forEach("conflictResolutions", [&](const rapidjson::Value& rule) {
+    forEach("conflictResolutions", [&](const tovjson::Value& rule) {
         const std::string word = stringOf(rule, "conflictResolution");
         const char* forced = word == TOVAttrItemValue_Overwrite ? "forced overwrite"
                              : word == TOVAttrItemValue_Spinup  ? "forced spin-up"
@@ -154,24 +154,21 @@ LifecycleGraph buildLifecycleGraph(const rapidjson::Value& rules, const std::str
     });
     // A freeze of the attribute holds on every transition; one whose condition
     // is the attribute itself keeps its value from ever leaving.
-    forEachRule(rules, "transitionsFreeze", objectType, dataModel,
-                [&](const rapidjson::Value& rule) {
-                    if (stringOf(rule, "attribute") != attribute) {
-                        return;
-                    }
-                    const std::string condition = stringOf(rule, "freezeConditionAttribute");
-                    const std::string value = stringOf(rule, "freezeConditionValue");
-                    for (LifecycleEdge& edge : graph.edges) {
-                        if (condition != attribute) {
-                            edge.labels.push_back(std::string("frozen while ")
-                                                      .append(condition)
-                                                      .append(" is ")
-                                                      .append(value));
-                        } else if (areStringsEqualAccountingAlsoAnyValue(edge.from, value)) {
-                            edge.labels.emplace_back("frozen");
-                        }
-                    }
-                });
+    forEachRule(rules, "transitionsFreeze", objectType, dataModel, [&](const tovjson::Value& rule) {
+        if (stringOf(rule, "attribute") != attribute) {
+            return;
+        }
+        const std::string condition = stringOf(rule, "freezeConditionAttribute");
+        const std::string value = stringOf(rule, "freezeConditionValue");
+        for (LifecycleEdge& edge : graph.edges) {
+            if (condition != attribute) {
+                edge.labels.push_back(
+                    std::string("frozen while ").append(condition).append(" is ").append(value));
+            } else if (areStringsEqualAccountingAlsoAnyValue(edge.from, value)) {
+                edge.labels.emplace_back("frozen");
+            }
+        }
+    });
     for (const std::string& value : graph.values) {
         const bool wayOut =
             std::any_of(graph.edges.begin(), graph.edges.end(), [&](const LifecycleEdge& edge) {

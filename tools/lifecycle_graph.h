@@ -3,12 +3,11 @@
 #ifndef TOV_TOOLS_LIFECYCLE_GRAPH_H_
 #define TOV_TOOLS_LIFECYCLE_GRAPH_H_
 
-#include <rapidjson/document.h>
-
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "json/json_types.h"
 #include "tov/tov.h"
 
 namespace tovcli {
@@ -38,7 +37,7 @@ bool describesObjectType(const TOV_DMStructure& dataModel, const std::string& ob
 // ignored, "ALL" and "Library_Item" understood through `dataModel`), labelled
 // by the file constraint, conflict resolution and freeze rules that concern
 // the same transitions.
-LifecycleGraph buildLifecycleGraph(const rapidjson::Value& rules, const std::string& objectType,
+LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::string& objectType,
                                    const std::string& attribute, const TOV_DMStructure& dataModel);
 
 // Graphviz DOT: a digraph, values with no way out drawn with a double border.

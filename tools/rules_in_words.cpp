@@ -76,7 +76,7 @@ std::optional<std::vector<std::string>> libraryItemTypes(const TOVLifecycleBusin
 
 std::string rulesInWordsJson(const RuleGroups& groups,
                              const std::optional<std::vector<std::string>>& libraryItem) {
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
     writer.Key("kinds");

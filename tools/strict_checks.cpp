@@ -77,7 +77,7 @@ struct RuleAt {
     std::string objectType;   // as written
     std::string matchedType;  // as loaded: "<any>" for "ALL"
     std::size_t number;       // from 1 in its object type's list
-    const rapidjson::Value* rule;
+    const tovjson::Value* rule;
 
     std::string where() const { return objectType + " #" + std::to_string(number); }
 };
@@ -88,7 +88,7 @@ public:
                   std::vector<Finding>& findings)
         : paths(paths), dataModel(dataModel), findings(findings) {}
 
-    void checkRules(const rapidjson::Value& root) {
+    void checkRules(const tovjson::Value& root) {
         std::vector<RuleAt> rules;
         for (const auto& section : root.GetObject()) {
             const std::string name(section.name.GetString(), section.name.GetStringLength());
@@ -113,7 +113,7 @@ public:
         checkConflictResolutions(rules);
     }
 
-    void checkDataModel(const rapidjson::Value& root) {
+    void checkDataModel(const tovjson::Value& root) {
         const auto objects = root.FindMember("structureObjects");
         if (objects == root.MemberEnd() || !objects->value.IsArray()) {
             return;
@@ -141,7 +141,7 @@ private:
         note(paths.rulesPath, rule.section, rule.where() + ": " + message);
     }
 
-    static void collectRules(const std::string& section, const rapidjson::Value& types,
+    static void collectRules(const std::string& section, const tovjson::Value& types,
                              std::vector<RuleAt>& rules) {
         for (const auto& type : types.GetObject()) {
             if (!type.value.IsArray()) {
@@ -182,7 +182,7 @@ private:
     }
 
     void checkRule(const RuleAt& rule) {
-        const rapidjson::Value& body = *rule.rule;
+        const tovjson::Value& body = *rule.rule;
         for (const FixedWords& words : kRuleWords) {
             if (rule.section == words.section) {
                 checkFixedWords(paths.rulesPath, rule.where(), body, words);
@@ -238,7 +238,7 @@ private:
             std::vector<std::string> versioning;
             type->collectVersioningAttributes(versioning);
             const bool shared = std::any_of(
-                options.Begin(), options.End(), [&versioning](const rapidjson::Value& option) {
+                options.Begin(), options.End(), [&versioning](const tovjson::Value& option) {
                     return option.IsString() && std::find(versioning.begin(), versioning.end(),
                                                           option.GetString()) != versioning.end();
                 });
@@ -251,7 +251,7 @@ private:
     }
 
     void checkFixedWords(const std::string& document, const std::string& where,
-                         const rapidjson::Value& body, const FixedWords& words) {
+                         const tovjson::Value& body, const FixedWords& words) {
         if (findString(body, words.member) == nullptr) {
             return;
         }
@@ -289,7 +289,7 @@ private:
     }
 
     // A rule's members in name order, lists as sets: what the rule says.
-    static std::string canonical(const rapidjson::Value& rule) {
+    static std::string canonical(const tovjson::Value& rule) {
         if (!rule.IsObject()) {
             return {};
         }
@@ -345,15 +345,15 @@ private:
     }
 
     bool contradict(const RuleAt& first, const RuleAt& second) const {
-        const rapidjson::Value& a = *first.rule;
-        const rapidjson::Value& b = *second.rule;
+        const tovjson::Value& a = *first.rule;
+        const tovjson::Value& b = *second.rule;
         const std::string resolutionA = stringOf(a, "conflictResolution");
         const std::string resolutionB = stringOf(b, "conflictResolution");
         const bool opposite =
             (resolutionA == TOVAttrItemValue_Overwrite && resolutionB == TOVAttrItemValue_Spinup) ||
             (resolutionA == TOVAttrItemValue_Spinup && resolutionB == TOVAttrItemValue_Overwrite);
         // Any word but YES and NO loads as N_A, which holds either way.
-        const auto fileWord = [](const rapidjson::Value& rule) {
+        const auto fileWord = [](const tovjson::Value& rule) {
             const std::string word = stringOf(rule, "updatesFile");
             return word == TOVAttrItemValue_YES || word == TOVAttrItemValue_NO
                        ? word
@@ -382,7 +382,7 @@ private:
 void checkStrictly(const DocumentPaths& paths, const TOV_DMStructure& dataModel,
                    std::vector<Finding>& findings) {
     StrictChecker checker(paths, dataModel, findings);
-    rapidjson::Document json;
+    tovjson::Document json;
     std::string error;
     // Both documents loaded a moment ago, so they read and parse again.
     if (!paths.dataModelPath.empty() &&

@@ -31,7 +31,7 @@ struct CaseResult {
 // A text as JSON writes it, quotes and escapes included, so that no text can
 // be mistaken for another.
 std::string jsonQuoted(const std::string& text) {
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writeString(writer, text);
     return {buffer.GetString(), buffer.GetSize()};
@@ -73,7 +73,7 @@ void writeOptionalText(JsonWriter& writer, bool present, const std::string& text
 }
 
 void printJson(const std::vector<CaseResult>& results, std::size_t failed, std::ostream& out) {
-    rapidjson::StringBuffer buffer;
+    tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
     writer.Key("passed");

@@ -17,7 +17,7 @@ std::string relativeTo(const std::string& folder, const std::string& path) {
 }
 
 // Reads case `number` (from 1) into `testCase`; false with the reason in `error`.
-bool readCase(const rapidjson::Value& value, std::size_t number, const std::string& folder,
+bool readCase(const tovjson::Value& value, std::size_t number, const std::string& folder,
               std::uint64_t maxInputSize, TestCase& testCase, std::string& error) {
     const std::string label = "case " + std::to_string(number);
     if (!value.IsObject()) {
@@ -40,7 +40,7 @@ bool readCase(const rapidjson::Value& value, std::size_t number, const std::stri
     const auto request = value.FindMember("request");
     const std::string requestFile = stringOf(value, "requestFile");
     if (request != value.MemberEnd() && request->value.IsObject() && requestFile.empty()) {
-        rapidjson::StringBuffer text;
+        tovjson::StringBuffer text;
         JsonWriter writer(text);
         writeValue(writer, request->value);
         testCase.request.assign(text.GetString(), text.GetSize());
@@ -81,7 +81,7 @@ bool readCase(const rapidjson::Value& value, std::size_t number, const std::stri
 
 bool readTestSuite(const std::string& path, std::uint64_t maxInputSize, TestSuite& suite,
                    std::string& error) {
-    rapidjson::Document json;
+    tovjson::Document json;
     if (!parseJsonFile(path, "suite", maxInputSize, json, error)) {
         return false;
     }

@@ -35,6 +35,10 @@ public:
     void initializeByMalloc();
     // Copies the pointers of `other` (not null) without owning them.
     void borrowData(TOVCoreDataControllers* other);
+    // Borrows the three parts one by one, so that parts owned elsewhere (an
+    // engine's generations share a data model between them) can be combined.
+    void borrowData(TOVLifecycleBusinessRules* rulesToBorrow, TOV_DMStructure* dmInfoToBorrow,
+                    TOVLogger* loggerToBorrow);
     // Frees an owned set; always leaves the record null and not owning.
     void clearContents();
 

@@ -7,6 +7,7 @@
 #include "tov/TOVConflictsResolutionOptionsFinder.h"
 #include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVEditController.h"
+#include "tov/TOVEngine.h"
 #include "tov/TOVFileConstraint.h"
 #include "tov/TOVFrontdesk.h"
 #include "tov/TOVFunctionality.h"

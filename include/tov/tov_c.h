@@ -11,9 +11,15 @@
  * members are for programs ("ObjectFamilyMembers" and "ManualLinkAncestors"
  * with "MissingData" ask for a second pass with those objects added).
  *
- * Threads: calls on one engine must not overlap. Different engines share
- * nothing (each has its own rules, data model and logger) and may be used on
- * different threads at the same time.
+ * Threads: one engine may be shared. Any number of threads may call
+ * tov_evaluate and tov_evaluate_file on it at once; evaluations run in
+ * parallel and never wait for a load. A load of either document builds the
+ * new store beside the current one and then replaces it in one step, so every
+ * evaluation is judged wholly by the documents before the load or wholly by
+ * those after it, never by a mix or a half-loaded store. Loads and
+ * tov_set_log on one engine take turns. Freeing an engine while another
+ * thread still calls it is the host's mistake. Different engines share
+ * nothing (each has its own rules, data model and logger).
  *
  * No C++ exception leaves these functions. Loading the rules may print notices
  * about rule keywords that tov does not support on standard output. */
@@ -26,7 +32,8 @@
 extern "C" {
 #endif
 
-/* One private set of rules, data model and logger. Logging starts off. */
+/* One private set of rules, data model and logger, safe to share between
+ * threads. Logging starts off. */
 /* NOLINTNEXTLINE(modernize-use-using): the header is C as well. */
 typedef struct tov_engine tov_engine;
 

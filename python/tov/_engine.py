@@ -1,10 +1,12 @@
 """An engine: one private set of rules, data model and logger in libtov."""
 
+import contextlib
 import ctypes
 import json
 import os
+import threading
 from types import TracebackType
-from typing import Any, Dict, Mapping, Optional, Type, Union
+from typing import Any, Dict, Iterator, Mapping, Optional, Type, Union
 
 from . import _library
 
@@ -32,14 +34,19 @@ class Engine:
     Every call answers with the response as a dict of strings, such as
     {"Result": "Success", "ResultComment": "Edit attempt approved"}; the
     *_raw forms give the same answer as the library wrote it, the text that
-    `tov eval` prints. Calls on one engine must not overlap; different
-    engines share nothing and may run on different threads. Use it in a with
+    `tov eval` prints. An engine is safe to share between threads: any
+    number of them may evaluate at once, in parallel, while another loads;
+    each answer comes wholly from the documents before a load or wholly from
+    those after it. Use it in a with
     block, or call close(), to free it at a known time.
     """
 
     def __init__(self, log: str = "") -> None:
         """log: "" or "off" for no log (the default), "console", or a folder."""
         self._library = _library.library()
+        # Calls in flight, so that close() never frees the engine under one.
+        self._calls = threading.Condition()
+        self._in_flight = 0
         self._handle: Optional[int] = self._library.tov_engine_new()
         if not self._handle:
             raise MemoryError("tov could not create an engine")
@@ -47,8 +54,11 @@ class Engine:
             self.set_log(log)
 
     def close(self) -> None:
-        """Frees the engine; further calls raise ValueError."""
-        handle, self._handle = self._handle, None
+        """Frees the engine once the calls in flight on other threads have
+        returned; further calls raise ValueError."""
+        with self._calls:
+            handle, self._handle = self._handle, None
+            self._calls.wait_for(lambda: self._in_flight == 0)
         if handle:
             self._library.tov_engine_free(handle)
 
@@ -60,13 +70,15 @@ class Engine:
         self.close()
 
     def __del__(self) -> None:
-        if getattr(self, "_handle", None):
+        if getattr(self, "_handle", None) and hasattr(self, "_calls"):
             self.close()
 
     def set_log(self, where: str) -> None:
         """"" or "off": no log; "console": standard output; anything else: a
         folder, created if missing, where a new log file starts."""
-        status = self._library.tov_set_log(self._live_handle(), _text(where, "the log setting"))
+        setting = _text(where, "the log setting")
+        with self._call() as handle:
+            status = self._library.tov_set_log(handle, setting)
         if status == _library.LOG_UNUSABLE_FOLDER:
             raise OSError("cannot log to folder " + repr(where))
         if status == _library.LOG_OUT_OF_MEMORY:
@@ -105,13 +117,26 @@ class Engine:
         return self._answer(self._library.tov_evaluate_file, kind,
                             _text(os.fsencode(path), "the path"))
 
-    def _live_handle(self) -> int:
-        if not self._handle:
-            raise ValueError("the engine is closed")
-        return self._handle
+    @contextlib.contextmanager
+    def _call(self) -> Iterator[int]:
+        """The handle, held live for one call into the library."""
+        with self._calls:
+            if not self._handle:
+                raise ValueError("the engine is closed")
+            handle = self._handle
+            self._in_flight += 1
+        try:
+            yield handle
+        finally:
+            with self._calls:
+                self._in_flight -= 1
+                if self._in_flight == 0:
+                    self._calls.notify_all()
 
     def _answer(self, function: Any, kind: str, data: bytes) -> str:
-        answer = function(self._live_handle(), _text(kind, "the kind"), data)
+        kind_text = _text(kind, "the kind")
+        with self._call() as handle:
+            answer = function(handle, kind_text, data)
         if not answer:
             raise MemoryError("tov ran out of memory")
         try:

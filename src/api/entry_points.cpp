@@ -2,6 +2,9 @@
 
 #include "api/TOVVemoFrontdesk.h"
 #include "frame/input_labels.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOV_DMStructure.h"
 #include "tov/vocabulary.h"
 
 namespace {
@@ -13,6 +16,14 @@ struct RequestKind {
     const char* inputTitle;
     const char* resultTitle;
 };
+
+void emptyRules(TOVCoreDataControllers* coreData) {
+    coreData->getRules()->clearAllRules();
+}
+
+void emptyDMInfo(TOVCoreDataControllers* coreData) {
+    coreData->getDmInfo()->clearAllInfo();
+}
 
 constexpr RequestKind kInitializeRules{
     TOVFunctionality_InitializeRules, kLabelAllRules,
@@ -62,16 +73,25 @@ TOVResponse evaluate(const RequestKind& kind, const std::string& input,
 }
 
 // A document handed in as text is never logged, since it can be large; a path is.
+// Whatever interrupts a load, even the logging after it, leaves `emptyStore`'s
+// store empty: a caller who sees the exception must not be served from part of
+// the document, nor from a whole one it was never told had loaded.
 TOVResponse initialize(const RequestKind& kind, const std::string& input,
-                       TOVCoreDataControllers* coreData, bool inputIsFilePath) {
-    TOVVemoFrontdesk frontdesk(kind.functionality);
-    frontdesk.borrowData(coreData);
-    frontdesk.getIncomingStringAndLabelItAs(kind.label, input);
-    if (inputIsFilePath) {
-        frontdesk.printTitledStringToLog(kind.inputTitle, input);
-        frontdesk.getIncomingStringAndLabelItAs(kLabelInputIsFilepath, TOVAttrItemValue_True);
+                       TOVCoreDataControllers* coreData, bool inputIsFilePath,
+                       void (*emptyStore)(TOVCoreDataControllers*)) {
+    try {
+        TOVVemoFrontdesk frontdesk(kind.functionality);
+        frontdesk.borrowData(coreData);
+        frontdesk.getIncomingStringAndLabelItAs(kind.label, input);
+        if (inputIsFilePath) {
+            frontdesk.printTitledStringToLog(kind.inputTitle, input);
+            frontdesk.getIncomingStringAndLabelItAs(kLabelInputIsFilepath, TOVAttrItemValue_True);
+        }
+        return serveAndLogResult(kind, frontdesk);
+    } catch (...) {
+        emptyStore(coreData);
+        throw;
     }
-    return serveAndLogResult(kind, frontdesk);
 }
 
 }  // namespace
@@ -81,20 +101,20 @@ std::string GetTOVVersion() {
 }
 
 TOVResponse InitializeTOVRules(const std::string& input, TOVCoreDataControllers* coreData) {
-    return initialize(kInitializeRules, input, coreData, false);
+    return initialize(kInitializeRules, input, coreData, false, &emptyRules);
 }
 
 TOVResponse InitializeTOVRulesFromFile(const std::string& input, TOVCoreDataControllers* coreData) {
-    return initialize(kInitializeRules, input, coreData, true);
+    return initialize(kInitializeRules, input, coreData, true, &emptyRules);
 }
 
 TOVResponse InitializeTOV_DMInfo(const std::string& input, TOVCoreDataControllers* coreData) {
-    return initialize(kInitializeDMInfo, input, coreData, false);
+    return initialize(kInitializeDMInfo, input, coreData, false, &emptyDMInfo);
 }
 
 TOVResponse InitializeTOV_DMInfoFromFile(const std::string& input,
                                          TOVCoreDataControllers* coreData) {
-    return initialize(kInitializeDMInfo, input, coreData, true);
+    return initialize(kInitializeDMInfo, input, coreData, true, &emptyDMInfo);
 }
 
 TOVResponse EvaluateTOVEditAttempt(const std::string& input, TOVCoreDataControllers* coreData) {

@@ -3,24 +3,18 @@
 
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "c_api/answers.h"
-#include "c_api/log_setting.h"
-#include "c_api/request_kinds.h"
-#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVEngine.h"
 #include "tov/entry_points.h"
 
 struct tov_engine {
-    TOVCoreDataControllers core;
+    TOVEngine engine;
 };
 
 namespace {
-
-std::string unknownKindComment(const char* kind) {
-    return std::string("Unknown request kind \"") + kind + "\": expected " +
-           tov_c::requestKindNamesInWords();
-}
 
 char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inputIsPath) noexcept {
     return tov_c::answerForHost([&]() -> std::string {
@@ -34,12 +28,9 @@ char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inp
             return tov_c::failureAnswer(inputIsPath ? "No request file path given (NULL)"
                                                     : "No request text given (NULL)");
         }
-        const tov_c::RequestKind* found = tov_c::findRequestKind(kind);
-        if (found == nullptr) {
-            return tov_c::failureAnswer(unknownKindComment(kind));
-        }
-        const tov_c::EntryPoint entryPoint = inputIsPath ? found->fromFile : found->fromText;
-        return entryPoint(input, &engine->core).turnResponseIntoASingleString();
+        const TOVResponse answer = inputIsPath ? engine->engine.evaluateFile(kind, input)
+                                               : engine->engine.evaluate(kind, input);
+        return answer.turnResponseIntoASingleString();
     });
 }
 
@@ -47,10 +38,7 @@ char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inp
 
 tov_engine* tov_engine_new(void) {
     try {
-        auto engine = std::make_unique<tov_engine>();
-        engine->core.initializeByMalloc();
-        setTOVLoggingFolder("", &engine->core);
-        return engine.release();
+        return std::make_unique<tov_engine>().release();
     } catch (...) {
         return nullptr;
     }
@@ -77,13 +65,8 @@ int tov_set_log(tov_engine* engine, const char* where) {
         return TOV_LOG_NULL_ARGUMENT;
     }
     try {
-        std::string libraryFolder;
         std::string unused;  // the status code tells the host enough
-        if (!tov_c::libraryLogSetting(where, libraryFolder, unused)) {
-            return TOV_LOG_UNUSABLE_FOLDER;
-        }
-        setTOVLoggingFolder(libraryFolder, &engine->core);
-        return TOV_LOG_OK;
+        return engine->engine.setLog(where, unused) ? TOV_LOG_OK : TOV_LOG_UNUSABLE_FOLDER;
     } catch (...) {
         return TOV_LOG_OUT_OF_MEMORY;
     }

@@ -35,14 +35,14 @@ bool TOV_DMInfoJsonParser::parseStructureObjects() {
     if (structure == nullptr) {
         return false;
     }
-    rapidjson::Value list;
+    tovjson::Value list;
     if (!getJsonArraySection(document, kStructureObjects, list)) {
         return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
     // One parser for the whole list, so that it remembers the last name read.
     TOV_DMStructureObjectJsonParser objectParser;
     int index = 0;
-    for (const rapidjson::Value& element : list.GetArray()) {
+    for (const tovjson::Value& element : list.GetArray()) {
         if (!objectParser.parseStructureObject(element, index, structure)) {
             appendToParsingErrorComment(objectParser.getParsingErrorComment().c_str());
             updateParsingResult(objectParser.getParsingResult());
@@ -57,7 +57,7 @@ bool TOV_DMInfoJsonParser::parseOverwriteLabel() {
     if (structure == nullptr) {
         return false;
     }
-    rapidjson::Value labelValue;
+    tovjson::Value labelValue;
     if (!getJsonStringSection(document, kOverwriteLabel, labelValue)) {
         return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
@@ -80,8 +80,8 @@ TOV_DMStructureObjectJsonParser::TOV_DMStructureObjectJsonParser() = default;
 
 TOV_DMStructureObjectJsonParser::~TOV_DMStructureObjectJsonParser() = default;
 
-bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Value& element,
-                                                           int index, TOV_DMStructure* structure) {
+bool TOV_DMStructureObjectJsonParser::parseStructureObject(const tovjson::Value& element, int index,
+                                                           TOV_DMStructure* structure) {
     const std::string indexText = "index=" + std::to_string(index);
     if (!element.IsObject()) {
         return failWith(objectListedRuleNotAMapError(indexText));
@@ -118,14 +118,14 @@ bool TOV_DMStructureObjectJsonParser::parseStructureObject(const rapidjson::Valu
     return true;
 }
 
-bool TOV_DMStructureObjectJsonParser::parseAttributes(const rapidjson::Value& value,
+bool TOV_DMStructureObjectJsonParser::parseAttributes(const tovjson::Value& value,
                                                       const std::string& localName,
                                                       std::vector<TOV_DMAttribute>& attributes) {
     TOV_DMAttributeJsonParser attributeParser;
     if (!value.IsArray()) {
         return failWith(jsonSectionNotAListError(kAttributes));
     }
-    for (const rapidjson::Value& element : value.GetArray()) {
+    for (const tovjson::Value& element : value.GetArray()) {
         if (!attributeParser.parseAttribute(element, localName, attributes)) {
             appendToParsingErrorComment(attributeParser.getParsingErrorComment().c_str());
             updateParsingResult(attributeParser.getParsingResult());
@@ -150,7 +150,7 @@ void TOV_DMStructureObjectJsonParser::getAllNecessaryKeywords(std::vector<std::s
 
 TOV_DMAttributeJsonParser::~TOV_DMAttributeJsonParser() = default;
 
-bool TOV_DMAttributeJsonParser::parseAttribute(const rapidjson::Value& element,
+bool TOV_DMAttributeJsonParser::parseAttribute(const tovjson::Value& element,
                                                const std::string& objectName,
                                                std::vector<TOV_DMAttribute>& attributes) {
     if (!element.IsObject()) {

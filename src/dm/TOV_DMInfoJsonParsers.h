@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 #include "tov/TOV_DMAttribute.h"
 
 class TOV_DMStructure;
@@ -31,7 +30,7 @@ protected:
 
 private:
     TOV_DMStructure* structure;
-    rapidjson::Document document;
+    tovjson::Document document;
 };
 
 // Reads the elements of "structureObjects"; one instance serves the whole list.
@@ -40,11 +39,10 @@ public:
     TOV_DMStructureObjectJsonParser();
     ~TOV_DMStructureObjectJsonParser() override;
 
-    bool parseStructureObject(const rapidjson::Value& element, int index,
-                              TOV_DMStructure* structure);
+    bool parseStructureObject(const tovjson::Value& element, int index, TOV_DMStructure* structure);
     // `localName` is the name read so far in this element, the owner in the
     // attributes' messages.
-    bool parseAttributes(const rapidjson::Value& value, const std::string& localName,
+    bool parseAttributes(const tovjson::Value& value, const std::string& localName,
                          std::vector<TOV_DMAttribute>& attributes);
 
 protected:
@@ -61,7 +59,7 @@ class TOV_DMAttributeJsonParser : public TOVJsonParser {
 public:
     ~TOV_DMAttributeJsonParser() override;
 
-    bool parseAttribute(const rapidjson::Value& element, const std::string& objectName,
+    bool parseAttribute(const tovjson::Value& element, const std::string& objectName,
                         std::vector<TOV_DMAttribute>& attributes);
 
 protected:

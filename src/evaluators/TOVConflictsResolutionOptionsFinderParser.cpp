@@ -31,7 +31,7 @@ void TOVVersionerObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::
     keywords.emplace_back(TOVTransitionJson_ObjectType);
 }
 
-bool TOVVersionerObjectTypeJsonParser::parseSection(rapidjson::Value& root,
+bool TOVVersionerObjectTypeJsonParser::parseSection(tovjson::Value& root,
                                                     TOVConflictsResolutionOptionsFinder* finder) {
     std::string objectType;
     if (!readNecessaryStringSection(root, TOVTransitionJson_ObjectType, objectType)) {
@@ -53,7 +53,7 @@ void TOVVersionerInitialAttributesParser::getAllNecessaryKeywords(
 }
 
 bool TOVVersionerInitialAttributesParser::parseSection(
-    rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder) {
+    tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder) {
     AttributesMap attributes;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, attributes)) {
         return false;
@@ -73,7 +73,7 @@ void TOVVersionerTargetAttributesParser::getAllNecessaryKeywords(
     keywords.emplace_back(TOVTransitionJson_TargetAttributes);
 }
 
-bool TOVVersionerTargetAttributesParser::parseSection(rapidjson::Value& root,
+bool TOVVersionerTargetAttributesParser::parseSection(tovjson::Value& root,
                                                       TOVConflictsResolutionOptionsFinder* finder) {
     AttributesMap attributes;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, attributes)) {
@@ -89,9 +89,9 @@ std::string TOVUploadsReprFileParser::getRuleName() {
     return "Uploads Representation File";
 }
 
-bool TOVUploadsReprFileParser::parseSection(rapidjson::Value& root,
+bool TOVUploadsReprFileParser::parseSection(tovjson::Value& root,
                                             TOVConflictsResolutionOptionsFinder* finder) {
-    rapidjson::Value section;
+    tovjson::Value section;
     // Without the flag the rules read the file update as not applicable.
     if (!getJsonBoolSection(root, TOVConflictJson_UploadsRepresentationFile, section)) {
         return true;

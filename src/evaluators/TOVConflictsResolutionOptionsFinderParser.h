@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 #include "tov/vocabulary.h"
 
 class TOVConflictsResolutionOptionsFinder;
@@ -26,7 +25,7 @@ public:
 
 private:
     TOVConflictsResolutionOptionsFinder* finder;
-    rapidjson::Document document;
+    tovjson::Document document;
 };
 
 // Reads the necessary "objectType" string.
@@ -34,7 +33,7 @@ class TOVVersionerObjectTypeJsonParser : public TOVJsonParser {
 public:
     ~TOVVersionerObjectTypeJsonParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
 
 protected:
     std::string getRuleName() override;
@@ -46,7 +45,7 @@ class TOVVersionerInitialAttributesParser : public TOVJsonParser {
 public:
     ~TOVVersionerInitialAttributesParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
 
 protected:
     std::string getRuleName() override;
@@ -58,7 +57,7 @@ class TOVVersionerTargetAttributesParser : public TOVJsonParser {
 public:
     ~TOVVersionerTargetAttributesParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
 
 protected:
     std::string getRuleName() override;
@@ -71,7 +70,7 @@ class TOVUploadsReprFileParser : public TOVJsonParser {
 public:
     ~TOVUploadsReprFileParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
 
 protected:
     std::string getRuleName() override;

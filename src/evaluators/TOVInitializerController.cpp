@@ -27,21 +27,33 @@ bool TOVInitializerController::isInputDataSufficient() {
 }
 
 bool TOVInitializerController::parseInputData(TOVResponse& response) {
-    const std::string& input = getInputWithThisLabel(getInputDataLabelIdentifierForAllRules());
+    try {
+        const std::string& input = getInputWithThisLabel(getInputDataLabelIdentifierForAllRules());
 
-    TOVInitializationJsonParser parser(getLifecycleBusinessRules());
-    if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
-        return true;
+        TOVInitializationJsonParser parser(getLifecycleBusinessRules());
+        if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
+            return true;
+        }
+        // Rules read before the fault go too: a load is all or nothing.
+        getLifecycleBusinessRules()->clearAllRules();
+        return false;
+    } catch (...) {
+        // An interrupted load (out of memory, most likely) keeps no part of the document.
+        getLifecycleBusinessRules()->clearAllRules();
+        throw;
     }
-    // Rules read before the fault go too: a load is all or nothing.
-    getLifecycleBusinessRules()->clearAllRules();
-    return false;
 }
 
 bool TOVInitializerController::evaluateRequest(TOVResponse& response) {
-    response.setGeneralResultComment("Successfully initialized TOV rules");
-    response.setGeneralResult(true);
-    getLifecycleBusinessRules()->sortAllRules();
-    getLifecycleBusinessRules()->printContentsDBG(getLifecycleLogger());
-    return true;
+    try {
+        response.setGeneralResultComment("Successfully initialized TOV rules");
+        response.setGeneralResult(true);
+        getLifecycleBusinessRules()->sortAllRules();
+        getLifecycleBusinessRules()->printContentsDBG(getLifecycleLogger());
+        return true;
+    } catch (...) {
+        // Sorting or logging interrupted: the load is not done, so it keeps nothing.
+        getLifecycleBusinessRules()->clearAllRules();
+        throw;
+    }
 }

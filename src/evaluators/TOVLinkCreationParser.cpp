@@ -26,9 +26,9 @@ std::string TOVLinkedObjectJsonParser::attributesNotAMapError() {
     return getRuleName() + ":" + "Attributes should be a map.";
 }
 
-bool TOVLinkedObjectJsonParser::readLinkedObject(rapidjson::Value& root, const char* sectionKeyword,
+bool TOVLinkedObjectJsonParser::readLinkedObject(tovjson::Value& root, const char* sectionKeyword,
                                                  std::string& type, AttributesMap& attributes) {
-    rapidjson::Value section;
+    tovjson::Value section;
     // Neither object is necessary at this level: an absent one says nothing.
     if (!getJsonSection(root, sectionKeyword, section)) {
         return true;
@@ -60,7 +60,7 @@ std::string TOVAncestorJsonParser::getRuleName() {
     return "Manual Link Ancestor";
 }
 
-bool TOVAncestorJsonParser::parseSection(rapidjson::Value& root, TOVLinkController* controller) {
+bool TOVAncestorJsonParser::parseSection(tovjson::Value& root, TOVLinkController* controller) {
     std::string type;
     AttributesMap attributes;
     if (!readLinkedObject(root, TOVManualLinksJson_Ancestor, type, attributes)) {
@@ -78,7 +78,7 @@ std::string TOVDescendantJsonParser::getRuleName() {
     return "Manual Link descendant";
 }
 
-bool TOVDescendantJsonParser::parseSection(rapidjson::Value& root, TOVLinkController* controller) {
+bool TOVDescendantJsonParser::parseSection(tovjson::Value& root, TOVLinkController* controller) {
     std::string type;
     AttributesMap attributes;
     if (!readLinkedObject(root, TOVManualLinksJsonDescendant, type, attributes)) {

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 #include "tov/vocabulary.h"
 
 class TOVLinkController;
@@ -25,7 +24,7 @@ public:
 
 private:
     TOVLinkController* controller;
-    rapidjson::Document document;
+    tovjson::Document document;
 };
 
 // What the two sections share: an optional object that, once present, must
@@ -37,7 +36,7 @@ protected:
     // True when the section is absent, or of another JSON type, or complete.
     // Reads into `type` and `attributes`, which the caller passes empty and
     // stores only on true, so a section that gives up stores nothing.
-    bool readLinkedObject(rapidjson::Value& root, const char* sectionKeyword, std::string& type,
+    bool readLinkedObject(tovjson::Value& root, const char* sectionKeyword, std::string& type,
                           AttributesMap& attributes);
 
 private:
@@ -50,7 +49,7 @@ class TOVAncestorJsonParser : public TOVLinkedObjectJsonParser {
 public:
     ~TOVAncestorJsonParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVLinkController* controller);
+    bool parseSection(tovjson::Value& root, TOVLinkController* controller);
 
 protected:
     std::string getRuleName() override;
@@ -61,7 +60,7 @@ class TOVDescendantJsonParser : public TOVLinkedObjectJsonParser {
 public:
     ~TOVDescendantJsonParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVLinkController* controller);
+    bool parseSection(tovjson::Value& root, TOVLinkController* controller);
 
 protected:
     std::string getRuleName() override;

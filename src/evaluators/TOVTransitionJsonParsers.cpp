@@ -35,11 +35,11 @@ bool TOVTransitionJsonParser::parseAllSections() {
 
 // --- TOVManualOrHistoryLinkJsonParser ---
 
-bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(rapidjson::Value& root,
+bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(tovjson::Value& root,
                                                                  const char* keyword,
                                                                  LinkedObjects kind,
                                                                  TOVEditController* controller) {
-    rapidjson::Value section;
+    tovjson::Value section;
     if (!getJsonSection(root, keyword, section)) {
         return true;
     }
@@ -58,8 +58,7 @@ bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(rapidjson::Valu
 }
 
 bool TOVManualOrHistoryLinkJsonParser::parseMember(const std::string& serverId,
-                                                   const rapidjson::Value& member,
-                                                   LinkedObjects kind,
+                                                   const tovjson::Value& member, LinkedObjects kind,
                                                    TOVEditController* controller) {
     if (!member.IsObject()) {
         return failWith(memberError(serverId, "Data should be a map"));
@@ -99,7 +98,7 @@ std::string TOVManualOrHistoryLinkJsonParser::memberError(const std::string& ser
 
 TOVMembersOfFamilyJsonParser::~TOVMembersOfFamilyJsonParser() = default;
 
-bool TOVMembersOfFamilyJsonParser::parseSection(rapidjson::Value& root,
+bool TOVMembersOfFamilyJsonParser::parseSection(tovjson::Value& root,
                                                 TOVEditController* controller) {
     return parseLinkedObjectsSection(root, kMembersOfFamily, LinkedObjects::kFamilyMembers,
                                      controller);
@@ -117,7 +116,7 @@ void TOVMembersOfFamilyJsonParser::getAllNecessaryKeywords(std::vector<std::stri
 
 TOVManualLinkAncestorsJsonParser::~TOVManualLinkAncestorsJsonParser() = default;
 
-bool TOVManualLinkAncestorsJsonParser::parseSection(rapidjson::Value& root,
+bool TOVManualLinkAncestorsJsonParser::parseSection(tovjson::Value& root,
                                                     TOVEditController* controller) {
     return parseLinkedObjectsSection(root, kManualLinkAncestors,
                                      LinkedObjects::kManualLinkAncestors, controller);
@@ -135,7 +134,7 @@ void TOVManualLinkAncestorsJsonParser::getAllNecessaryKeywords(std::vector<std::
 
 TOVEditorObjectTypeJsonParser::~TOVEditorObjectTypeJsonParser() = default;
 
-bool TOVEditorObjectTypeJsonParser::parseSection(rapidjson::Value& root,
+bool TOVEditorObjectTypeJsonParser::parseSection(tovjson::Value& root,
                                                  TOVEditController* controller) {
     std::string objectType;
     if (!readNecessaryStringSection(root, TOVTransitionJson_ObjectType, objectType)) {
@@ -157,8 +156,7 @@ void TOVEditorObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::str
 
 TOVInitialAttributesParser::~TOVInitialAttributesParser() = default;
 
-bool TOVInitialAttributesParser::parseSection(rapidjson::Value& root,
-                                              TOVEditController* controller) {
+bool TOVInitialAttributesParser::parseSection(tovjson::Value& root, TOVEditController* controller) {
     // A fresh map, dropped on failure, so that a half-read packet never lands.
     AttributesMap values;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, values)) {
@@ -180,8 +178,7 @@ void TOVInitialAttributesParser::getAllNecessaryKeywords(std::vector<std::string
 
 TOVTargetAttributesParser::~TOVTargetAttributesParser() = default;
 
-bool TOVTargetAttributesParser::parseSection(rapidjson::Value& root,
-                                             TOVEditController* controller) {
+bool TOVTargetAttributesParser::parseSection(tovjson::Value& root, TOVEditController* controller) {
     // When the section is missing the keyword error appends nothing: this
     // parser names no necessary keyword.
     AttributesMap values;

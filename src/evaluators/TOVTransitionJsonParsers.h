@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 
 class TOVEditController;
 
@@ -26,7 +25,7 @@ public:
 
 private:
     TOVEditController* controller;
-    rapidjson::Document document;
+    tovjson::Document document;
 };
 
 // What "membersOfFamily" and "manualLinkAncestors" share: a map from server id
@@ -37,12 +36,12 @@ protected:
 
     // An absent section, or one of another JSON type, is no error and leaves
     // the provided flag alone; an object, even an empty one, sets it.
-    bool parseLinkedObjectsSection(rapidjson::Value& root, const char* keyword, LinkedObjects kind,
+    bool parseLinkedObjectsSection(tovjson::Value& root, const char* keyword, LinkedObjects kind,
                                    TOVEditController* controller);
 
 private:
-    bool parseMember(const std::string& serverId, const rapidjson::Value& member,
-                     LinkedObjects kind, TOVEditController* controller);
+    bool parseMember(const std::string& serverId, const tovjson::Value& member, LinkedObjects kind,
+                     TOVEditController* controller);
     // The rule name, "Member with server id", the quoted id, ":" and `detail`,
     // with no blank between the first three: the messages read so on purpose.
     std::string memberError(const std::string& serverId, const std::string& detail);
@@ -51,7 +50,7 @@ private:
 class TOVMembersOfFamilyJsonParser : public TOVManualOrHistoryLinkJsonParser {
 public:
     ~TOVMembersOfFamilyJsonParser() override;
-    bool parseSection(rapidjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, TOVEditController* controller);
 
 protected:
     std::string getRuleName() override;
@@ -61,7 +60,7 @@ protected:
 class TOVManualLinkAncestorsJsonParser : public TOVManualOrHistoryLinkJsonParser {
 public:
     ~TOVManualLinkAncestorsJsonParser() override;
-    bool parseSection(rapidjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, TOVEditController* controller);
 
 protected:
     std::string getRuleName() override;
@@ -72,7 +71,7 @@ class TOVEditorObjectTypeJsonParser : public TOVJsonParser {
 public:
     ~TOVEditorObjectTypeJsonParser() override;
     // An empty string is a valid object type here.
-    bool parseSection(rapidjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, TOVEditController* controller);
 
 protected:
     std::string getRuleName() override;
@@ -82,7 +81,7 @@ protected:
 class TOVInitialAttributesParser : public TOVJsonParser {
 public:
     ~TOVInitialAttributesParser() override;
-    bool parseSection(rapidjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, TOVEditController* controller);
 
 protected:
     std::string getRuleName() override;
@@ -94,7 +93,7 @@ protected:
 class TOVTargetAttributesParser : public TOVJsonParser {
 public:
     ~TOVTargetAttributesParser() override;
-    bool parseSection(rapidjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, TOVEditController* controller);
 
 protected:
     std::string getRuleName() override;

@@ -27,21 +27,33 @@ bool TOV_DMInfoInitializerController::isInputDataSufficient() {
 }
 
 bool TOV_DMInfoInitializerController::parseInputData(TOVResponse& response) {
-    const std::string& input = getInputWithThisLabel(getInputDataLabelIdentifierForAllDMInfo());
+    try {
+        const std::string& input = getInputWithThisLabel(getInputDataLabelIdentifierForAllDMInfo());
 
-    TOV_DMInfoJsonParser parser(getLifecycleDMInfo());
-    if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
-        return true;
+        TOV_DMInfoJsonParser parser(getLifecycleDMInfo());
+        if (parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
+            return true;
+        }
+        // Objects read before the error go too: a load is all or nothing.
+        getLifecycleDMInfo()->clearAllInfo();
+        return false;
+    } catch (...) {
+        // An interrupted load (out of memory, most likely) keeps no part of the document.
+        getLifecycleDMInfo()->clearAllInfo();
+        throw;
     }
-    // Objects read before the error go too: a load is all or nothing.
-    getLifecycleDMInfo()->clearAllInfo();
-    return false;
 }
 
 bool TOV_DMInfoInitializerController::evaluateRequest(TOVResponse& response) {
-    response.setGeneralResultComment("Succesfully initialized DM info");
-    response.setGeneralResult(true);
-    getLifecycleDMInfo()->sortAllDMInfo();
-    getLifecycleDMInfo()->printContentsDBG(getLifecycleLogger());
-    return true;
+    try {
+        response.setGeneralResultComment("Succesfully initialized DM info");
+        response.setGeneralResult(true);
+        getLifecycleDMInfo()->sortAllDMInfo();
+        getLifecycleDMInfo()->printContentsDBG(getLifecycleLogger());
+        return true;
+    } catch (...) {
+        // Sorting or logging interrupted: the load is not done, so it keeps nothing.
+        getLifecycleDMInfo()->clearAllInfo();
+        throw;
+    }
 }

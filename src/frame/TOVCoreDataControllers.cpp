@@ -32,6 +32,15 @@ void TOVCoreDataControllers::borrowData(TOVCoreDataControllers* other) {
     ownsData = false;
 }
 
+void TOVCoreDataControllers::borrowData(TOVLifecycleBusinessRules* rulesToBorrow,
+                                        TOV_DMStructure* dmInfoToBorrow,
+                                        TOVLogger* loggerToBorrow) {
+    rules = rulesToBorrow;
+    dmInfo = dmInfoToBorrow;
+    logger = loggerToBorrow;
+    ownsData = false;
+}
+
 void TOVCoreDataControllers::clearContents() {
     if (ownsData) {
         delete rules;

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 
 class TOVResponse;
 
@@ -25,7 +24,7 @@ protected:
 
 private:
     TOVResponse* response;
-    rapidjson::Document document;
+    tovjson::Document document;
 };
 
 #endif  // TOV_FRAME_TOVRESPONSEJSONPARSER_H_

@@ -3,10 +3,8 @@
 #include <cctype>
 #include <cstring>
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include "json/TOVJsonDocumentWriter.h"
+#include "json/json_types.h"
 
 namespace {
 
@@ -15,17 +13,17 @@ bool isWhiteSpace(char byte) {
 }
 
 // A JSON string value copied into the document, up to the text's first NUL.
-rapidjson::Value makeStringValue(const std::string& text,
-                                 rapidjson::Document::AllocatorType& allocator) {
+tovjson::Value makeStringValue(const std::string& text,
+                               tovjson::Document::AllocatorType& allocator) {
     const char* bytes = text.c_str();
-    return rapidjson::Value(bytes, static_cast<rapidjson::SizeType>(std::strlen(bytes)), allocator);
+    return tovjson::Value(bytes, static_cast<rapidjson::SizeType>(std::strlen(bytes)), allocator);
 }
 
 }  // namespace
 
 std::string TOVJsonComposer::createJsonFromStringStringMap(
     const std::map<std::string, std::string>& map) const {
-    rapidjson::Document document;
+    tovjson::Document document;
     document.SetObject();
     TOVJsonDocumentWriter::addNamesValuesToJsonDoc(map, document, document.GetAllocator());
     return TOVJsonDocumentWriter::createStringFromJsonDocument(document);
@@ -74,29 +72,28 @@ void TOVJsonComposer::removeTailSpaces(std::string& text) {
 }
 
 void TOVJsonDocumentWriter::addNamesValuesToJsonDoc(const std::map<std::string, std::string>& map,
-                                                    rapidjson::Value& parent,
-                                                    rapidjson::Document::AllocatorType& allocator) {
+                                                    tovjson::Value& parent,
+                                                    tovjson::Document::AllocatorType& allocator) {
     for (const auto& entry : map) {
         addNameValueToJsonDoc(entry.first, entry.second, parent, allocator);
     }
 }
 
 void TOVJsonDocumentWriter::addNameValueToJsonDoc(const std::string& name, const std::string& value,
-                                                  rapidjson::Value& parent,
-                                                  rapidjson::Document::AllocatorType& allocator) {
+                                                  tovjson::Value& parent,
+                                                  tovjson::Document::AllocatorType& allocator) {
     const std::string sanitizedName = TOVJsonComposer::getSanitizedStringForJsonDoc(name);
     const std::string sanitizedValue = TOVJsonComposer::getSanitizedStringForJsonDoc(value);
     // Values are written as strings whatever they look like, so no attempt is
     // made to read them as JSON.
-    rapidjson::Value jsonName = makeStringValue(sanitizedName, allocator);
-    rapidjson::Value jsonValue = makeStringValue(sanitizedValue, allocator);
+    tovjson::Value jsonName = makeStringValue(sanitizedName, allocator);
+    tovjson::Value jsonValue = makeStringValue(sanitizedValue, allocator);
     parent.AddMember(jsonName, jsonValue, allocator);
 }
 
-std::string TOVJsonDocumentWriter::createStringFromJsonDocument(
-    const rapidjson::Document& document) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+std::string TOVJsonDocumentWriter::createStringFromJsonDocument(const tovjson::Document& document) {
+    tovjson::StringBuffer buffer;
+    tovjson::Writer writer(buffer);
     document.Accept(writer);
     return std::string(buffer.GetString(), buffer.GetSize());
 }
@@ -109,11 +106,11 @@ namespace {
 
 // "objectType", "initialAttributes" and "targetAttributes" on the root object.
 void addTransitionMembers(const std::string& objectType, const AttributesMap& initial,
-                          const AttributesMap& target, rapidjson::Document& document) {
+                          const AttributesMap& target, tovjson::Document& document) {
     auto& allocator = document.GetAllocator();
-    rapidjson::Value initialObject(rapidjson::kObjectType);
+    tovjson::Value initialObject(rapidjson::kObjectType);
     TOVJsonDocumentWriter::addNamesValuesToJsonDoc(initial, initialObject, allocator);
-    rapidjson::Value targetObject(rapidjson::kObjectType);
+    tovjson::Value targetObject(rapidjson::kObjectType);
     TOVJsonDocumentWriter::addNamesValuesToJsonDoc(target, targetObject, allocator);
     // The object type is written as it stands, not sanitized.
     document.AddMember(rapidjson::StringRef(TOVTransitionJson_ObjectType),
@@ -124,10 +121,10 @@ void addTransitionMembers(const std::string& objectType, const AttributesMap& in
                        allocator);
 }
 
-rapidjson::Value makeLinkEnd(const std::string& objectType, const AttributesMap& attributes,
-                             rapidjson::Document::AllocatorType& allocator) {
-    rapidjson::Value end(rapidjson::kObjectType);
-    rapidjson::Value attributesObject(rapidjson::kObjectType);
+tovjson::Value makeLinkEnd(const std::string& objectType, const AttributesMap& attributes,
+                           tovjson::Document::AllocatorType& allocator) {
+    tovjson::Value end(rapidjson::kObjectType);
+    tovjson::Value attributesObject(rapidjson::kObjectType);
     TOVJsonDocumentWriter::addNamesValuesToJsonDoc(attributes, attributesObject, allocator);
     end.AddMember(rapidjson::StringRef(TOVTransitionJson_ObjectType),
                   makeStringValue(objectType, allocator), allocator);
@@ -143,7 +140,7 @@ int composeSimpleTransitionJson(const std::string& objectType,
     if (objectType.empty() || targetAttributes.empty()) {
         return 0;
     }
-    rapidjson::Document document;
+    tovjson::Document document;
     document.SetObject();
     addTransitionMembers(objectType, initialAttributes, targetAttributes, document);
     json = TOVJsonDocumentWriter::createStringFromJsonDocument(document);
@@ -157,11 +154,11 @@ int composeConflictResolutionsOptionsJson(const std::string& objectType,
     if (objectType.empty() || initialAttributes.empty() || targetAttributes.empty()) {
         return 0;
     }
-    rapidjson::Document document;
+    tovjson::Document document;
     document.SetObject();
     addTransitionMembers(objectType, initialAttributes, targetAttributes, document);
     document.AddMember(rapidjson::StringRef(TOVConflictJson_UploadsRepresentationFile),
-                       rapidjson::Value(uploadsRepresentationFile), document.GetAllocator());
+                       tovjson::Value(uploadsRepresentationFile), document.GetAllocator());
     json = TOVJsonDocumentWriter::createStringFromJsonDocument(document);
     return 1;
 }
@@ -175,7 +172,7 @@ int composeSimpleManualLinkEvaluationJson(const std::string& ancestorObjectType,
         descendantAttributes.empty()) {
         return 0;
     }
-    rapidjson::Document document;
+    tovjson::Document document;
     document.SetObject();
     auto& allocator = document.GetAllocator();
     document.AddMember(rapidjson::StringRef(TOVManualLinksJson_Ancestor),

@@ -29,7 +29,7 @@ std::string TOVJsonParser::getRuleName() {
 
 void TOVJsonParser::getAllNecessaryKeywords(std::vector<std::string>& /*keywords*/) {}
 
-bool TOVJsonParser::acceptParsedDocument(const rapidjson::Document& document) {
+bool TOVJsonParser::acceptParsedDocument(const tovjson::Document& document) {
     return (!document.HasParseError() && document.IsObject()) || failFundamentally();
 }
 
@@ -40,7 +40,7 @@ bool TOVJsonParser::failFundamentally() {
 }
 
 bool TOVJsonParser::fillJsonDocumentFromJsonFile(const std::string& path,
-                                                 rapidjson::Document& document) {
+                                                 tovjson::Document& document) {
     std::ifstream stream;
     if (isRegularFile(path)) {
         stream.open(path, std::ios::in | std::ios::binary);
@@ -54,20 +54,20 @@ bool TOVJsonParser::fillJsonDocumentFromJsonFile(const std::string& path,
 }
 
 bool TOVJsonParser::fillJsonDocumentFromJsonString(const std::string& text,
-                                                   rapidjson::Document& document) {
+                                                   tovjson::Document& document) {
     document.Parse<kTOVParseFlags>(text.c_str());
     return acceptParsedDocument(document);
 }
 
 bool TOVJsonParser::fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
-                                              rapidjson::Document& document) {
+                                              tovjson::Document& document) {
     return inputIsFilePath ? fillJsonDocumentFromJsonFile(input, document)
                            : fillJsonDocumentFromJsonString(input, document);
 }
 
 namespace {
 
-bool moveMemberOut(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out) {
+bool moveMemberOut(tovjson::Value& parent, const char* keyword, tovjson::Value& out) {
     if (!parent.IsObject()) {
         return false;
     }
@@ -81,27 +81,27 @@ bool moveMemberOut(rapidjson::Value& parent, const char* keyword, rapidjson::Val
 
 }  // namespace
 
-bool TOVJsonParser::getJsonSection(rapidjson::Value& parent, const char* keyword,
-                                   rapidjson::Value& out) {
+bool TOVJsonParser::getJsonSection(tovjson::Value& parent, const char* keyword,
+                                   tovjson::Value& out) {
     return moveMemberOut(parent, keyword, out) && out.IsObject();
 }
 
-bool TOVJsonParser::getJsonArraySection(rapidjson::Value& parent, const char* keyword,
-                                        rapidjson::Value& out) {
+bool TOVJsonParser::getJsonArraySection(tovjson::Value& parent, const char* keyword,
+                                        tovjson::Value& out) {
     return moveMemberOut(parent, keyword, out) && out.IsArray();
 }
 
-bool TOVJsonParser::getJsonBoolSection(rapidjson::Value& parent, const char* keyword,
-                                       rapidjson::Value& out) {
+bool TOVJsonParser::getJsonBoolSection(tovjson::Value& parent, const char* keyword,
+                                       tovjson::Value& out) {
     return moveMemberOut(parent, keyword, out) && out.IsBool();
 }
 
-bool TOVJsonParser::getJsonStringSection(rapidjson::Value& parent, const char* keyword,
-                                         rapidjson::Value& out) {
+bool TOVJsonParser::getJsonStringSection(tovjson::Value& parent, const char* keyword,
+                                         tovjson::Value& out) {
     return moveMemberOut(parent, keyword, out) && out.IsString();
 }
 
-bool TOVJsonParser::collectBoolFromValue(const rapidjson::Value& value, bool& out) {
+bool TOVJsonParser::collectBoolFromValue(const tovjson::Value& value, bool& out) {
     if (!value.IsBool()) {
         return false;
     }
@@ -109,7 +109,7 @@ bool TOVJsonParser::collectBoolFromValue(const rapidjson::Value& value, bool& ou
     return true;
 }
 
-bool TOVJsonParser::collectStringFromValue(const rapidjson::Value& value, std::string& out) {
+bool TOVJsonParser::collectStringFromValue(const tovjson::Value& value, std::string& out) {
     if (!value.IsString()) {
         return false;
     }
@@ -117,7 +117,7 @@ bool TOVJsonParser::collectStringFromValue(const rapidjson::Value& value, std::s
     return true;
 }
 
-bool TOVJsonParser::getStringNamesValuesPair(rapidjson::Value::ConstMemberIterator member,
+bool TOVJsonParser::getStringNamesValuesPair(tovjson::Value::ConstMemberIterator member,
                                              std::string& name, std::string& value) {
     if (!member->name.IsString()) {
         return false;
@@ -126,11 +126,11 @@ bool TOVJsonParser::getStringNamesValuesPair(rapidjson::Value::ConstMemberIterat
     return collectStringFromValue(member->value, value);
 }
 
-std::string TOVJsonParser::getMemberName(const rapidjson::Value& name) {
+std::string TOVJsonParser::getMemberName(const tovjson::Value& name) {
     return std::string(name.GetString(), name.GetStringLength());
 }
 
-bool TOVJsonParser::collectStringsFromArray(const rapidjson::Value& value,
+bool TOVJsonParser::collectStringsFromArray(const tovjson::Value& value,
                                             std::vector<std::string>& out) {
     if (!value.IsArray()) {
         return false;
@@ -145,7 +145,7 @@ bool TOVJsonParser::collectStringsFromArray(const rapidjson::Value& value,
     return true;
 }
 
-bool TOVJsonParser::collectKeyValuesPairsFromSection(const rapidjson::Value& section,
+bool TOVJsonParser::collectKeyValuesPairsFromSection(const tovjson::Value& section,
                                                      AttributesMap& map) {
     if (!section.IsObject()) {
         return false;
@@ -271,9 +271,9 @@ std::string TOVJsonParser::objectRulesNotAListError(const std::string& owner) {
     return message;
 }
 
-bool TOVJsonParser::readNecessaryAttributesSection(rapidjson::Value& root, const char* keyword,
+bool TOVJsonParser::readNecessaryAttributesSection(tovjson::Value& root, const char* keyword,
                                                    AttributesMap& attributes) {
-    rapidjson::Value section;
+    tovjson::Value section;
     if (!getJsonSection(root, keyword, section)) {
         return failWith(notAllNecessaryKeywordsFoundParsingError(""));
     }
@@ -283,9 +283,9 @@ bool TOVJsonParser::readNecessaryAttributesSection(rapidjson::Value& root, const
     return true;
 }
 
-bool TOVJsonParser::readNecessaryStringSection(rapidjson::Value& root, const char* keyword,
+bool TOVJsonParser::readNecessaryStringSection(tovjson::Value& root, const char* keyword,
                                                std::string& text) {
-    rapidjson::Value section;
+    tovjson::Value section;
     // A member of another type is as good as missing.
     if (!getJsonStringSection(root, keyword, section)) {
         return failWith(notAllNecessaryKeywordsFoundParsingError(""));
@@ -293,7 +293,7 @@ bool TOVJsonParser::readNecessaryStringSection(rapidjson::Value& root, const cha
     return collectStringFromValue(section, text);
 }
 
-bool TOVJsonParser::collectRuleKeywordsFromMap(const rapidjson::Value& ruleObject,
+bool TOVJsonParser::collectRuleKeywordsFromMap(const tovjson::Value& ruleObject,
                                                const std::string& objectType,
                                                const std::vector<const char*>& keywords,
                                                std::vector<std::string>& values) {

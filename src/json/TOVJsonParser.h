@@ -8,8 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include <rapidjson/document.h>
-
+#include "json/json_types.h"
 #include "tov/string_helpers.h"
 #include "tov/vocabulary.h"
 
@@ -32,30 +31,30 @@ protected:
 
     // Both give true only for a parsed document whose root is an object; otherwise
     // the comment becomes "Json has fundamental parsing error".
-    bool fillJsonDocumentFromJsonFile(const std::string& path, rapidjson::Document& document);
-    bool fillJsonDocumentFromJsonString(const std::string& text, rapidjson::Document& document);
+    bool fillJsonDocumentFromJsonFile(const std::string& path, tovjson::Document& document);
+    bool fillJsonDocumentFromJsonString(const std::string& text, tovjson::Document& document);
     // The file form when the input is a path, the text form otherwise.
     bool fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
-                                   rapidjson::Document& document);
+                                   tovjson::Document& document);
 
     // Each moves a present member into `out`, leaving a null behind, and says
     // whether it had the wanted type. A member can thus be fetched only once.
-    bool getJsonSection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
-    bool getJsonArraySection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
-    bool getJsonBoolSection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
-    bool getJsonStringSection(rapidjson::Value& parent, const char* keyword, rapidjson::Value& out);
+    bool getJsonSection(tovjson::Value& parent, const char* keyword, tovjson::Value& out);
+    bool getJsonArraySection(tovjson::Value& parent, const char* keyword, tovjson::Value& out);
+    bool getJsonBoolSection(tovjson::Value& parent, const char* keyword, tovjson::Value& out);
+    bool getJsonStringSection(tovjson::Value& parent, const char* keyword, tovjson::Value& out);
 
-    bool collectBoolFromValue(const rapidjson::Value& value, bool& out);
-    bool collectStringFromValue(const rapidjson::Value& value, std::string& out);
-    bool getStringNamesValuesPair(rapidjson::Value::ConstMemberIterator member, std::string& name,
+    bool collectBoolFromValue(const tovjson::Value& value, bool& out);
+    bool collectStringFromValue(const tovjson::Value& value, std::string& out);
+    bool getStringNamesValuesPair(tovjson::Value::ConstMemberIterator member, std::string& name,
                                   std::string& value);
     // A member's name whole, so that a name with a zero byte inside never
     // passes for a keyword.
-    static std::string getMemberName(const rapidjson::Value& name);
-    bool collectStringsFromArray(const rapidjson::Value& value, std::vector<std::string>& out);
+    static std::string getMemberName(const tovjson::Value& name);
+    bool collectStringsFromArray(const tovjson::Value& value, std::vector<std::string>& out);
     // Inserts every string member; stops with false at the first member that is
     // not a string, keeping what came before.
-    bool collectKeyValuesPairsFromSection(const rapidjson::Value& section, AttributesMap& map);
+    bool collectKeyValuesPairsFromSection(const tovjson::Value& section, AttributesMap& map);
 
     char getCommentSeparator() const;
     void appendToParsingErrorComment(const char* text);
@@ -135,7 +134,7 @@ protected:
     // ends the section. Before the first rule, `makeRoom(count)` hears how many
     // rule entries the section lists, so that the store can make room at once.
     template <typename ReadRule, typename MakeRoom>
-    bool parseRulesSection(rapidjson::Value& root, const char* sectionKeyword, ReadRule&& readRule,
+    bool parseRulesSection(tovjson::Value& root, const char* sectionKeyword, ReadRule&& readRule,
                            MakeRoom&& makeRoom);
 
     // The same for a kind whose rules hold strings only: reads the values of
@@ -143,7 +142,7 @@ protected:
     // object type "ALL" into "<any>" and hands both to
     // `appendRule(objectType, values)`; `makeRoom` as above.
     template <typename AppendRule, typename MakeRoom>
-    bool parseStringRulesSection(rapidjson::Value& root, const char* sectionKeyword,
+    bool parseStringRulesSection(tovjson::Value& root, const char* sectionKeyword,
                                  const std::vector<const char*>& keywords, AppendRule&& appendRule,
                                  MakeRoom&& makeRoom);
 
@@ -152,23 +151,22 @@ protected:
     // type, gives the keyword error; a value that is no string, the key-value
     // error under `keyword`. On false `attributes` may hold part of the packet,
     // so callers read into a fresh map and drop it.
-    bool readNecessaryAttributesSection(rapidjson::Value& root, const char* keyword,
+    bool readNecessaryAttributesSection(tovjson::Value& root, const char* keyword,
                                         AttributesMap& attributes);
     // The same for a necessary string, such as the object type of a request;
     // an empty string passes.
-    bool readNecessaryStringSection(rapidjson::Value& root, const char* keyword, std::string& text);
+    bool readNecessaryStringSection(tovjson::Value& root, const char* keyword, std::string& text);
 
     // Reads a rule object whole as a map of strings and hands back the values
     // of `keywords` in their order. Every key must be present; empty values
     // pass. A member of another type, named or not, gives the key-value error,
     // a missing key the keyword error, both under `objectType`.
-    bool collectRuleKeywordsFromMap(const rapidjson::Value& ruleObject,
-                                    const std::string& objectType,
+    bool collectRuleKeywordsFromMap(const tovjson::Value& ruleObject, const std::string& objectType,
                                     const std::vector<const char*>& keywords,
                                     std::vector<std::string>& values);
 
 private:
-    bool acceptParsedDocument(const rapidjson::Document& document);
+    bool acceptParsedDocument(const tovjson::Document& document);
     // Replaces the comment with the one message for input that is no JSON object.
     bool failFundamentally();
     // ": " behind the rule name, or " " when the name already ends in a colon.
@@ -192,9 +190,9 @@ bool TOVJsonParser::runSectionParsers(Args&... args) {
 }
 
 template <typename ReadRule, typename MakeRoom>
-bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectionKeyword,
+bool TOVJsonParser::parseRulesSection(tovjson::Value& root, const char* sectionKeyword,
                                       ReadRule&& readRule, MakeRoom&& makeRoom) {
-    rapidjson::Value section;
+    tovjson::Value section;
     if (!getJsonSection(root, sectionKeyword, section)) {
         return true;
     }
@@ -221,12 +219,12 @@ bool TOVJsonParser::parseRulesSection(rapidjson::Value& root, const char* sectio
 }
 
 template <typename AppendRule, typename MakeRoom>
-bool TOVJsonParser::parseStringRulesSection(rapidjson::Value& root, const char* sectionKeyword,
+bool TOVJsonParser::parseStringRulesSection(tovjson::Value& root, const char* sectionKeyword,
                                             const std::vector<const char*>& keywords,
                                             AppendRule&& appendRule, MakeRoom&& makeRoom) {
     return parseRulesSection(
         root, sectionKeyword,
-        [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::vector<std::string> values;
             if (!collectRuleKeywordsFromMap(ruleObject, objectType, keywords, values)) {
                 return false;

@@ -34,11 +34,11 @@ void TOVConflictResolutionRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kConflictResolutionKeyword);
 }
 
-bool TOVConflictResolutionRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVConflictResolutionRulesJsonParser::parseSection(tovjson::Value& root,
                                                         TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, kSectionKeyword,
-        [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::string attribute;
             std::string fromValue;
             std::string toValue;

@@ -27,7 +27,7 @@ void TOVFileConstraintsRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kUpdateFileKeyword);
 }
 
-bool TOVFileConstraintsRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVFileConstraintsRulesJsonParser::parseSection(tovjson::Value& root,
                                                      TOVLifecycleBusinessRules* store) {
     return parseStringRulesSection(
         root, kSectionKeyword,

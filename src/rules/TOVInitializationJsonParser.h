@@ -3,9 +3,8 @@
 
 #include <string>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 
 class TOVLifecycleBusinessRules;
 
@@ -24,7 +23,7 @@ public:
 
 private:
     TOVLifecycleBusinessRules* store;
-    rapidjson::Document document;
+    tovjson::Document document;
 };
 
 #endif  // TOV_RULES_TOVINITIALIZATIONJSONPARSER_H_

@@ -42,7 +42,7 @@ struct LinkRuleReader {
     };
 
     // Unknown keywords (the other kind's list among them) are skipped in silence.
-    static bool read(Parser& parser, const rapidjson::Value& ruleObject,
+    static bool read(Parser& parser, const tovjson::Value& ruleObject,
                      const std::string& objectType, const char* listKeyword,
                      LinkRuleKeywords& keywords) {
         for (const auto& member : ruleObject.GetObject()) {
@@ -85,11 +85,11 @@ void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::str
     pushLinkKeywords(kAcceptableHistoryLinkValues, keywords);
 }
 
-bool TOVHistoryLinkRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVHistoryLinkRulesJsonParser::parseSection(tovjson::Value& root,
                                                  TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, "historyLinks",
-        [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        [&](tovjson::Value& ruleObject, std::string& objectType) {
             LinkRuleReader<TOVHistoryLinkRulesJsonParser>::LinkRuleKeywords keywords;
             if (!LinkRuleReader<TOVHistoryLinkRulesJsonParser>::read(
                     *this, ruleObject, objectType, kAcceptableHistoryLinkValues, keywords)) {
@@ -114,11 +114,11 @@ void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
     pushLinkKeywords(kAcceptableManualLinkValues, keywords);
 }
 
-bool TOVManualLinkRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVManualLinkRulesJsonParser::parseSection(tovjson::Value& root,
                                                 TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, "manualLinks",
-        [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        [&](tovjson::Value& ruleObject, std::string& objectType) {
             LinkRuleReader<TOVManualLinkRulesJsonParser>::LinkRuleKeywords keywords;
             if (!LinkRuleReader<TOVManualLinkRulesJsonParser>::read(
                     *this, ruleObject, objectType, kAcceptableManualLinkValues, keywords)) {

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 
 class TOVLifecycleBusinessRules;
 
@@ -21,7 +20,7 @@ class TOVHistoryLinkRulesJsonParser : public TOVJsonParser {
 public:
     ~TOVHistoryLinkRulesJsonParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
     std::string getRuleName() override;
@@ -35,7 +34,7 @@ class TOVManualLinkRulesJsonParser : public TOVJsonParser {
 public:
     ~TOVManualLinkRulesJsonParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
     std::string getRuleName() override;

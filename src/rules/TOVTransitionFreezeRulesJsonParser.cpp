@@ -25,7 +25,7 @@ void TOVTransitionFreezeRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kConditionValueKeyword);
 }
 
-bool TOVTransitionFreezeRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVTransitionFreezeRulesJsonParser::parseSection(tovjson::Value& root,
                                                       TOVLifecycleBusinessRules* store) {
     return parseStringRulesSection(
         root, kSectionKeyword,

@@ -29,11 +29,11 @@ void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
     keywords.emplace_back(kToValueKeyword);
 }
 
-bool TOVTransitionRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVTransitionRulesJsonParser::parseSection(tovjson::Value& root,
                                                 TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, kSectionKeyword,
-        [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::string attribute;
             std::string fromValue;
             std::vector<std::string> toValues;

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <rapidjson/document.h>
-
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 
 class TOVLifecycleBusinessRules;
 
@@ -15,7 +14,7 @@ class TOVTransitionRulesJsonParser : public TOVJsonParser {
 public:
     ~TOVTransitionRulesJsonParser() override;
 
-    bool parseSection(rapidjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
     std::string getRuleName() override;

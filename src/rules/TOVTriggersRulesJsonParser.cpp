@@ -23,7 +23,7 @@ void TOVTriggersRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string
     keywords.emplace_back(kTriggerInitialize);
 }
 
-bool TOVTriggersRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVTriggersRulesJsonParser::parseSection(tovjson::Value& root,
                                               TOVLifecycleBusinessRules* store) {
     return parseStringRulesSection(
         root, "triggers", {kAttribute, kTriggerInitialize, kInitializationValue},

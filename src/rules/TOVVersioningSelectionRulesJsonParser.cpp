@@ -28,11 +28,11 @@ void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kVersioningOption);
 }
 
-bool TOVVersioningSelectionRulesJsonParser::parseSection(rapidjson::Value& root,
+bool TOVVersioningSelectionRulesJsonParser::parseSection(tovjson::Value& root,
                                                          TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
         root, kSectionKeyword,
-        [&](rapidjson::Value& ruleObject, std::string& objectType) {
+        [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::string conditionAttribute1;
             std::vector<std::string> conditionValues1;
             std::string conditionAttribute2;

@@ -1,7 +1,6 @@
 // The C interface as a host in another language meets it: texts in, the
 // single-string form out, and a clear answer for every misuse.
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
 
 #include <atomic>
 #include <filesystem>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "c_api/answers.h"
+#include "json/json_types.h"
 #include "test_support.h"
 #include "tov/tov_c.h"
 
@@ -53,7 +53,7 @@ struct Step {
 };
 
 std::vector<Step> scenarioSteps() {
-    rapidjson::Document scenario;
+    tovjson::Document scenario;
     scenario.Parse<rapidjson::kParseIterativeFlag>(readFile(kExamples + "/scenario.json").c_str());
     std::vector<Step> steps;
     if (scenario.HasParseError() || !scenario.IsObject() || !scenario.HasMember("steps")) {

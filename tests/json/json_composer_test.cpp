@@ -4,9 +4,9 @@
 #include <string>
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
 
 #include "json/TOVJsonDocumentWriter.h"
+#include "json/json_types.h"
 #include "tov/TOVJsonComposer.h"
 #include "tov/TOVResponse.h"
 
@@ -150,7 +150,7 @@ TEST(JsonComposerMap, ResponseFromClass) {
 // --- Document steps ---
 
 TEST(JsonComposerDocument, AddNameValueAppendsBehindExistingMembersWithoutDuplicateCheck) {
-    rapidjson::Document document;
+    tovjson::Document document;
     document.SetObject();
     auto& allocator = document.GetAllocator();
     TOVJsonDocumentWriter::addNameValueToJsonDoc("z", "1", document, allocator);
@@ -161,7 +161,7 @@ TEST(JsonComposerDocument, AddNameValueAppendsBehindExistingMembersWithoutDuplic
 }
 
 TEST(JsonComposerDocument, AddNamesValuesFollowsMapOrder) {
-    rapidjson::Document document;
+    tovjson::Document document;
     document.SetObject();
     auto& allocator = document.GetAllocator();
     TOVJsonDocumentWriter::addNameValueToJsonDoc("first", "f", document, allocator);
@@ -171,7 +171,7 @@ TEST(JsonComposerDocument, AddNamesValuesFollowsMapOrder) {
 }
 
 TEST(JsonComposerDocument, WriterIsCompact) {
-    rapidjson::Document document;
+    tovjson::Document document;
     document.Parse("{ \"a\" : [ 1 , true , null ] , \"b\" : { } }");
     ASSERT_FALSE(document.HasParseError());
     EXPECT_EQ(TOVJsonDocumentWriter::createStringFromJsonDocument(document),

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
 
 #include "json/TOVJsonParser.h"
+#include "json/json_types.h"
 #include "test_support.h"
 
 namespace {
@@ -70,8 +70,8 @@ public:
     std::vector<std::string> keywords;
 };
 
-rapidjson::Document parseOrDie(const char* text) {
-    rapidjson::Document document;
+tovjson::Document parseOrDie(const char* text) {
+    tovjson::Document document;
     document.Parse(text);
     EXPECT_FALSE(document.HasParseError()) << text;
     return document;
@@ -79,7 +79,7 @@ rapidjson::Document parseOrDie(const char* text) {
 
 void expectFundamentalFailureFromText(const std::string& text) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     EXPECT_FALSE(parser.fillJsonDocumentFromJsonString(text, document)) << text;
     EXPECT_FALSE(parser.getParsingResult()) << text;
     EXPECT_EQ(parser.getParsingErrorComment(), kFundamental) << text;
@@ -87,7 +87,7 @@ void expectFundamentalFailureFromText(const std::string& text) {
 
 void expectFundamentalFailureFromFile(const std::string& path) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     EXPECT_FALSE(parser.fillJsonDocumentFromJsonFile(path, document)) << path;
     EXPECT_FALSE(parser.getParsingResult()) << path;
     EXPECT_EQ(parser.getParsingErrorComment(), kFundamental) << path;
@@ -382,7 +382,7 @@ TEST(JsonParserErrors, ComposersNeverTouchTheResult) {
 
 TEST(JsonParserLoadText, ObjectRootLoads) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     ASSERT_TRUE(parser.fillJsonDocumentFromJsonString(R"({"a":"b","n":{"c":[1,2]}})", document));
     EXPECT_TRUE(parser.getParsingResult());
     EXPECT_EQ(parser.getParsingErrorComment(), "");
@@ -393,7 +393,7 @@ TEST(JsonParserLoadText, ObjectRootLoads) {
 
 TEST(JsonParserLoadText, EmptyObjectLoads) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     EXPECT_TRUE(parser.fillJsonDocumentFromJsonString(" {} ", document));
     EXPECT_TRUE(document.IsObject());
     EXPECT_EQ(document.MemberCount(), 0u);
@@ -435,7 +435,7 @@ TEST(JsonParserLoadText, DefaultGrammarOnly) {
 
 TEST(JsonParserLoadText, TextEndsAtItsFirstZeroByte) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     const std::string text("{}\0garbage", 10);
     EXPECT_TRUE(parser.fillJsonDocumentFromJsonString(text, document));
     EXPECT_TRUE(document.IsObject());
@@ -443,7 +443,7 @@ TEST(JsonParserLoadText, TextEndsAtItsFirstZeroByte) {
 
 TEST(JsonParserLoadText, FailureReplacesCommentAndIsNotRepeated) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     parser.appendToParsingErrorComment("earlier message");
     EXPECT_FALSE(parser.fillJsonDocumentFromJsonString("[]", document));
     EXPECT_EQ(parser.getParsingErrorComment(), kFundamental);
@@ -453,8 +453,8 @@ TEST(JsonParserLoadText, FailureReplacesCommentAndIsNotRepeated) {
 
 TEST(JsonParserLoadText, SuccessAfterFailureKeepsTheFalseResult) {
     ExposedParser parser;
-    rapidjson::Document first;
-    rapidjson::Document second;
+    tovjson::Document first;
+    tovjson::Document second;
     EXPECT_FALSE(parser.fillJsonDocumentFromJsonString("x", first));
     EXPECT_TRUE(parser.fillJsonDocumentFromJsonString("{}", second));
     EXPECT_FALSE(parser.getParsingResult());
@@ -466,7 +466,7 @@ TEST(JsonParserLoadText, SuccessAfterFailureKeepsTheFalseResult) {
 TEST(JsonParserLoadFile, ObjectFileLoads) {
     const TempFile file("{\n  \"a\": \"b\",\n  \"list\": [\"x\"]\n}\n");
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     ASSERT_TRUE(parser.fillJsonDocumentFromJsonFile(file.path, document));
     EXPECT_TRUE(parser.getParsingResult());
     EXPECT_EQ(parser.getParsingErrorComment(), "");
@@ -497,7 +497,7 @@ TEST(JsonParserLoadFile, ByteOrderMarkCountsAsBadSyntax) {
 
     const TempFile withoutMark("{\"a\":\"b\"}");
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     EXPECT_TRUE(parser.fillJsonDocumentFromJsonFile(withoutMark.path, document));
 }
 
@@ -514,7 +514,7 @@ TEST(JsonParserLoadFile, NonObjectRootsAndTrailingTextFail) {
 
 TEST(JsonParserLoadFile, FailureReplacesEarlierComment) {
     ExposedParser parser;
-    rapidjson::Document document;
+    tovjson::Document document;
     parser.appendToParsingErrorComment("earlier");
     EXPECT_FALSE(parser.fillJsonDocumentFromJsonFile("", document));
     EXPECT_FALSE(parser.getParsingResult());
@@ -546,7 +546,7 @@ TEST(JsonParserDeepNesting, MillionLevelObjectLoads) {
 
     ExposedParser parser;
     {
-        rapidjson::Document document;
+        tovjson::Document document;
         EXPECT_TRUE(parser.fillJsonDocumentFromJsonString(text, document));
         ASSERT_TRUE(document.IsObject());
         EXPECT_EQ(document.MemberCount(), 1u);
@@ -561,15 +561,15 @@ TEST(JsonParserDeepNesting, MillionLevelObjectLoads) {
 
 TEST(JsonParserSections, ObjectSectionIsMovedOutOnce) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"sec":{"k":"v"}})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"sec":{"k":"v"}})");
+    tovjson::Value out;
     ASSERT_TRUE(parser.getJsonSection(document, "sec", out));
     ASSERT_TRUE(out.IsObject());
     EXPECT_STREQ(out["k"].GetString(), "v");
     EXPECT_TRUE(document.HasMember("sec"));
     EXPECT_TRUE(document["sec"].IsNull());
 
-    rapidjson::Value again;
+    tovjson::Value again;
     EXPECT_FALSE(parser.getJsonSection(document, "sec", again));
     EXPECT_TRUE(again.IsNull());
     EXPECT_TRUE(parser.getParsingResult());
@@ -578,55 +578,55 @@ TEST(JsonParserSections, ObjectSectionIsMovedOutOnce) {
 
 TEST(JsonParserSections, ArraySectionIsMovedOutOnce) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"list":["a","b"]})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"list":["a","b"]})");
+    tovjson::Value out;
     ASSERT_TRUE(parser.getJsonArraySection(document, "list", out));
     ASSERT_TRUE(out.IsArray());
     EXPECT_EQ(out.Size(), 2u);
     EXPECT_TRUE(document["list"].IsNull());
-    rapidjson::Value again;
+    tovjson::Value again;
     EXPECT_FALSE(parser.getJsonArraySection(document, "list", again));
 }
 
 TEST(JsonParserSections, BoolSectionIsMovedOutOnce) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"flag":false})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"flag":false})");
+    tovjson::Value out;
     ASSERT_TRUE(parser.getJsonBoolSection(document, "flag", out));
     ASSERT_TRUE(out.IsBool());
     EXPECT_FALSE(out.GetBool());
     EXPECT_TRUE(document["flag"].IsNull());
-    rapidjson::Value again;
+    tovjson::Value again;
     EXPECT_FALSE(parser.getJsonBoolSection(document, "flag", again));
 }
 
 TEST(JsonParserSections, StringSectionIsMovedOutOnce) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"name":"value"})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"name":"value"})");
+    tovjson::Value out;
     ASSERT_TRUE(parser.getJsonStringSection(document, "name", out));
     EXPECT_STREQ(out.GetString(), "value");
     EXPECT_TRUE(document["name"].IsNull());
-    rapidjson::Value again;
+    tovjson::Value again;
     EXPECT_FALSE(parser.getJsonStringSection(document, "name", again));
 }
 
 TEST(JsonParserSections, ArrayGetterOnStringConsumesTheMember) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"list":"not a list"})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"list":"not a list"})");
+    tovjson::Value out;
     EXPECT_FALSE(parser.getJsonArraySection(document, "list", out));
     ASSERT_TRUE(out.IsString());
     EXPECT_STREQ(out.GetString(), "not a list");
     EXPECT_TRUE(document["list"].IsNull());
-    rapidjson::Value again;
+    tovjson::Value again;
     EXPECT_FALSE(parser.getJsonStringSection(document, "list", again));
 }
 
 TEST(JsonParserSections, WrongTypeConsumesTheMemberForEveryGetter) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"o":"s","a":{"k":"v"},"b":"true","s":["x"]})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"o":"s","a":{"k":"v"},"b":"true","s":["x"]})");
+    tovjson::Value out;
     EXPECT_FALSE(parser.getJsonSection(document, "o", out));
     EXPECT_TRUE(out.IsString());
     EXPECT_FALSE(parser.getJsonArraySection(document, "a", out));
@@ -645,8 +645,8 @@ TEST(JsonParserSections, WrongTypeConsumesTheMemberForEveryGetter) {
 
 TEST(JsonParserSections, AbsentMemberLeavesOutputAlone) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"a":"b"})");
-    rapidjson::Value out(42);
+    tovjson::Document document = parseOrDie(R"({"a":"b"})");
+    tovjson::Value out(42);
     EXPECT_FALSE(parser.getJsonSection(document, "missing", out));
     EXPECT_FALSE(parser.getJsonArraySection(document, "missing", out));
     EXPECT_FALSE(parser.getJsonBoolSection(document, "missing", out));
@@ -658,8 +658,8 @@ TEST(JsonParserSections, AbsentMemberLeavesOutputAlone) {
 
 TEST(JsonParserSections, KeywordsAreCaseSensitive) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"Name":"v"})");
-    rapidjson::Value out;
+    tovjson::Document document = parseOrDie(R"({"Name":"v"})");
+    tovjson::Value out;
     EXPECT_FALSE(parser.getJsonStringSection(document, "name", out));
     EXPECT_TRUE(out.IsNull());
     EXPECT_STREQ(document["Name"].GetString(), "v");
@@ -667,10 +667,10 @@ TEST(JsonParserSections, KeywordsAreCaseSensitive) {
 
 TEST(JsonParserSections, NestedSectionsOfAFetchedSection) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"outer":{"inner":{"k":"v"}}})");
-    rapidjson::Value outer;
+    tovjson::Document document = parseOrDie(R"({"outer":{"inner":{"k":"v"}}})");
+    tovjson::Value outer;
     ASSERT_TRUE(parser.getJsonSection(document, "outer", outer));
-    rapidjson::Value inner;
+    tovjson::Value inner;
     ASSERT_TRUE(parser.getJsonSection(outer, "inner", inner));
     EXPECT_STREQ(inner["k"].GetString(), "v");
 }
@@ -680,13 +680,13 @@ TEST(JsonParserSections, NestedSectionsOfAFetchedSection) {
 TEST(JsonParserExtraction, CollectBool) {
     ExposedParser parser;
     bool out = false;
-    EXPECT_TRUE(parser.collectBoolFromValue(rapidjson::Value(true), out));
+    EXPECT_TRUE(parser.collectBoolFromValue(tovjson::Value(true), out));
     EXPECT_TRUE(out);
-    EXPECT_TRUE(parser.collectBoolFromValue(rapidjson::Value(false), out));
+    EXPECT_TRUE(parser.collectBoolFromValue(tovjson::Value(false), out));
     EXPECT_FALSE(out);
 
     out = true;
-    rapidjson::Document document = parseOrDie(R"({"s":"false","n":0,"z":null})");
+    tovjson::Document document = parseOrDie(R"({"s":"false","n":0,"z":null})");
     EXPECT_FALSE(parser.collectBoolFromValue(document["s"], out));
     EXPECT_FALSE(parser.collectBoolFromValue(document["n"], out));
     EXPECT_FALSE(parser.collectBoolFromValue(document["z"], out));
@@ -695,7 +695,7 @@ TEST(JsonParserExtraction, CollectBool) {
 
 TEST(JsonParserExtraction, CollectStringNeverTurnsOtherTypesIntoText) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"s":"text","n":3,"b":true,"z":null,"a":[]})");
+    tovjson::Document document = parseOrDie(R"({"s":"text","n":3,"b":true,"z":null,"a":[]})");
     std::string out = "kept";
     EXPECT_FALSE(parser.collectStringFromValue(document["n"], out));
     EXPECT_FALSE(parser.collectStringFromValue(document["b"], out));
@@ -708,7 +708,7 @@ TEST(JsonParserExtraction, CollectStringNeverTurnsOtherTypesIntoText) {
 
 TEST(JsonParserExtraction, CollectStringStopsAtZeroByte) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"s":"ab\u0000cd"})");
+    tovjson::Document document = parseOrDie(R"({"s":"ab\u0000cd"})");
     std::string out;
     EXPECT_TRUE(parser.collectStringFromValue(document["s"], out));
     EXPECT_EQ(out, "ab");
@@ -716,7 +716,7 @@ TEST(JsonParserExtraction, CollectStringStopsAtZeroByte) {
 
 TEST(JsonParserExtraction, NamesValuesPair) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"key":"value","num":5})");
+    tovjson::Document document = parseOrDie(R"({"key":"value","num":5})");
     std::string name;
     std::string value;
     auto member = document.MemberBegin();
@@ -732,7 +732,7 @@ TEST(JsonParserExtraction, NamesValuesPair) {
 
 TEST(JsonParserExtraction, StringsFromArray) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"l":["a","","b"],"e":[],"s":"a","o":{}})");
+    tovjson::Document document = parseOrDie(R"({"l":["a","","b"],"e":[],"s":"a","o":{}})");
     std::vector<std::string> out{"prior"};
     EXPECT_TRUE(parser.collectStringsFromArray(document["l"], out));
     EXPECT_EQ(out, (std::vector<std::string>{"prior", "a", "", "b"}));
@@ -747,7 +747,7 @@ TEST(JsonParserExtraction, StringsFromArray) {
 
 TEST(JsonParserExtraction, StringsFromArrayStopAtFirstOtherTypeKeepingEarlier) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"l":["a","b",7,"c"]})");
+    tovjson::Document document = parseOrDie(R"({"l":["a","b",7,"c"]})");
     std::vector<std::string> out;
     EXPECT_FALSE(parser.collectStringsFromArray(document["l"], out));
     EXPECT_EQ(out, (std::vector<std::string>{"a", "b"}));
@@ -756,7 +756,7 @@ TEST(JsonParserExtraction, StringsFromArrayStopAtFirstOtherTypeKeepingEarlier) {
 
 TEST(JsonParserExtraction, KeyValuesPairsOfEmptySection) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie("{}");
+    tovjson::Document document = parseOrDie("{}");
     AttributesMap map{{"old", "1"}};
     EXPECT_TRUE(parser.collectKeyValuesPairsFromSection(document, map));
     EXPECT_EQ(map, (AttributesMap{{"old", "1"}}));
@@ -764,7 +764,7 @@ TEST(JsonParserExtraction, KeyValuesPairsOfEmptySection) {
 
 TEST(JsonParserExtraction, KeyValuesPairsLastDuplicateWinsAndReplacesEarlierCall) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"k":"first","other":"o","k":"second"})");
+    tovjson::Document document = parseOrDie(R"({"k":"first","other":"o","k":"second"})");
     AttributesMap map{{"other", "before"}, {"keep", "x"}};
     EXPECT_TRUE(parser.collectKeyValuesPairsFromSection(document, map));
     EXPECT_EQ(map, (AttributesMap{{"k", "second"}, {"keep", "x"}, {"other", "o"}}));
@@ -772,7 +772,7 @@ TEST(JsonParserExtraction, KeyValuesPairsLastDuplicateWinsAndReplacesEarlierCall
 
 TEST(JsonParserExtraction, KeyValuesPairsStopAtFirstNonStringKeepingEarlier) {
     ExposedParser parser;
-    rapidjson::Document document = parseOrDie(R"({"b":"1","a":"2","n":3,"c":"4"})");
+    tovjson::Document document = parseOrDie(R"({"b":"1","a":"2","n":3,"c":"4"})");
     AttributesMap map;
     EXPECT_FALSE(parser.collectKeyValuesPairsFromSection(document, map));
     EXPECT_EQ(map, (AttributesMap{{"a", "2"}, {"b", "1"}}));
@@ -782,8 +782,8 @@ TEST(JsonParserExtraction, KeyValuesPairsStopAtFirstNonStringKeepingEarlier) {
 
 TEST(JsonParserExtraction, KeyValuesPairsRefuseNestedAndBoolValues) {
     ExposedParser parser;
-    rapidjson::Document nested = parseOrDie(R"({"m":{"a":"b"}})");
-    rapidjson::Document flag = parseOrDie(R"({"f":true})");
+    tovjson::Document nested = parseOrDie(R"({"m":{"a":"b"}})");
+    tovjson::Document flag = parseOrDie(R"({"f":true})");
     AttributesMap map;
     EXPECT_FALSE(parser.collectKeyValuesPairsFromSection(nested, map));
     EXPECT_FALSE(parser.collectKeyValuesPairsFromSection(flag, map));

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
 
+#include "json/json_types.h"
 #include "rules/TOVLinkRulesJsonParsers.h"
 #include "test_support.h"
 #include "tov/tov.h"
@@ -471,7 +471,7 @@ TEST(LinkRuleParsers, NamesAndKeywords) {
 
 TEST(LinkRuleParsers, ParseSectionDirectly) {
     tovtest::PrivateCore core;
-    rapidjson::Document document;
+    tovjson::Document document;
     document.Parse(R"({"manualLinks":{"Doc":[{"attribute":"P"}]},
                        "historyLinks":{"Doc":[{"attribute":"P","fromValue":"a","toValue":"b",
                                                "acceptableHistoryLinkValues":["c"]}]}})");
@@ -494,7 +494,7 @@ TEST(LinkRuleParsers, ParseSectionDirectly) {
 
 TEST(LinkRuleParsers, AbsentOrNonObjectSectionsAreFine) {
     tovtest::PrivateCore core;
-    rapidjson::Document document;
+    tovjson::Document document;
     document.Parse(R"({"manualLinks":["not","an","object"]})");
     TOVHistoryLinkRulesJsonParser history;
     EXPECT_TRUE(history.parseSection(document, core.rules()));

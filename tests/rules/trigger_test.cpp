@@ -4,8 +4,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <rapidjson/document.h>
 
+#include "json/json_types.h"
 #include "rules/TOVTriggersRulesJsonParser.h"
 #include "test_support.h"
 #include "tov/tov.h"
@@ -150,7 +150,7 @@ TEST(TriggerSection, NameAndKeywords) {
 
 TEST(TriggerSection, ParseSectionDirectly) {
     tovtest::PrivateCore core;
-    rapidjson::Document document;
+    tovjson::Document document;
     document.Parse(R"({"triggers":{"Part":[{"attribute":"S","triggerInitialize":"T",
                                             "initializationValue":"V"},{"attribute":1}]}})");
     ASSERT_FALSE(document.HasParseError());
@@ -162,7 +162,7 @@ TEST(TriggerSection, ParseSectionDirectly) {
     // The rule before the error stays until the load as a whole removes it.
     EXPECT_EQ(printTriggers(core), kTriggerHeading + triggerLines("Part", "S", "T", "V"));
 
-    rapidjson::Document withoutSection;
+    tovjson::Document withoutSection;
     withoutSection.Parse(R"({"trigger":{"Part":[1]}})");
     TOVTriggersRulesJsonParser quiet;
     EXPECT_TRUE(quiet.parseSection(withoutSection, core.rules()));

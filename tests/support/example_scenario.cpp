@@ -3,9 +3,8 @@
 #include <fstream>
 #include <sstream>
 
-#include <rapidjson/document.h>
-
-#include "c_api/request_kinds.h"
+#include "api/request_kinds.h"
+#include "json/json_types.h"
 #include "tov/entry_points.h"
 
 namespace tovtest {
@@ -28,7 +27,7 @@ bool readFile(const std::string& path, std::string& text) {
     return true;
 }
 
-const char* memberString(const rapidjson::Value& object, const char* keyword) {
+const char* memberString(const tovjson::Value& object, const char* keyword) {
     const auto member = object.FindMember(keyword);
     return member != object.MemberEnd() && member->value.IsString() ? member->value.GetString()
                                                                     : nullptr;
@@ -37,8 +36,13 @@ const char* memberString(const rapidjson::Value& object, const char* keyword) {
 }  // namespace
 
 RequestFunction requestFunctionOfKind(const std::string& kind) {
-    const tov_c::RequestKind* found = tov_c::findRequestKind(kind.c_str());
+    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
     return found == nullptr ? nullptr : found->fromText;
+}
+
+std::string exampleText(const std::string& relativePath) {
+    std::string text;
+    return readFile(examplePath(relativePath), text) ? text : std::string();
 }
 
 bool loadExampleDocuments(TOVCoreDataControllers* coreData) {
@@ -51,20 +55,20 @@ bool loadExampleDocuments(TOVCoreDataControllers* coreData) {
 
 std::vector<ExampleRequest> readExampleRequests() {
     std::string text;
-    rapidjson::Document scenario;
+    tovjson::Document scenario;
     if (!readFile(examplePath("scenario.json"), text) ||
         scenario.Parse<rapidjson::kParseIterativeFlag>(text.c_str()).HasParseError() ||
         !scenario.IsObject() || !scenario.HasMember("steps") || !scenario["steps"].IsArray()) {
         return {};
     }
     std::vector<ExampleRequest> requests;
-    for (const rapidjson::Value& step : scenario["steps"].GetArray()) {
+    for (const tovjson::Value& step : scenario["steps"].GetArray()) {
         const char* name = step.IsObject() ? memberString(step, "name") : nullptr;
         const char* kind = step.IsObject() ? memberString(step, "kind") : nullptr;
         if (name == nullptr || kind == nullptr) {
             return {};
         }
-        ExampleRequest request{name, requestFunctionOfKind(kind), ""};
+        ExampleRequest request{name, kind, requestFunctionOfKind(kind), ""};
         if (request.evaluate == nullptr ||
             !readFile(examplePath("requests/" + request.name + ".json"), request.text)) {
             return {};

@@ -17,6 +17,7 @@ using RequestFunction = TOVResponse (*)(const std::string&, TOVCoreDataControlle
 
 struct ExampleRequest {
     std::string name;
+    std::string kind;  // the C interface's word, as the scenario gives it
     RequestFunction evaluate;
     std::string text;
 };
@@ -25,6 +26,10 @@ struct ExampleRequest {
 // "save-before-resolution", "link", "options", ...), or null for a word that
 // names none.
 RequestFunction requestFunctionOfKind(const std::string& kind);
+
+// The text of a file under examples/ ("rules.json", "requests/x.json"), or
+// empty when it cannot be read.
+std::string exampleText(const std::string& relativePath);
 
 // Loads the example rules and data model from their files; true when both load.
 bool loadExampleDocuments(TOVCoreDataControllers* coreData);

@@ -1,11 +1,11 @@
-#include "c_api/log_setting.h"
+#include "api/log_setting.h"
 
 #include <filesystem>
 #include <system_error>
 
 #include "tov/string_helpers.h"
 
-namespace tov_c {
+namespace tovapi {
 
 bool libraryLogSetting(const std::string& where, std::string& libraryFolder, std::string& error) {
     if (where.empty() || areStringsEqualSimple(where, "off")) {
@@ -33,4 +33,4 @@ bool libraryLogSetting(const std::string& where, std::string& libraryFolder, std
     return true;
 }
 
-}  // namespace tov_c
+}  // namespace tovapi
