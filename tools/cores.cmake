@@ -1,9 +1,9 @@
 # The parts of the tov program that need no command line: the answers of
-# batch lines, explain and graph; and the HTTP layer's messages and guards.
-# The program links them, and so do the fuzz targets, which the fuzz preset
-# builds without the program. The includer names the library to link in
-# TOV_CORES_LIBRARY: tov::tov for the program, tov_internal for the fuzz
-# targets.
+# batch lines, explain and graph; the HTTP layer's messages and guards; and
+# the service's routes, state and counters. The program links them, and so
+# do the fuzz targets, which the fuzz preset builds without the program. The
+# includer names the library to link in TOV_CORES_LIBRARY: tov::tov for the
+# program, tov_internal for the fuzz targets.
 if(NOT TARGET tov_program_core)
   set(tov_tools ${CMAKE_CURRENT_LIST_DIR})
 
@@ -32,4 +32,27 @@ if(NOT TARGET tov_program_core)
   target_include_directories(tov_http_core PUBLIC ${tov_tools}/http ${PROJECT_SOURCE_DIR}/src
     ${RAPIDJSON_INCLUDE_DIRS})
   tov_set_warnings(tov_http_core)
+
+  # The OpenAPI document that /openapi.json serves, compiled in from schemas/.
+  set(tov_openapi ${PROJECT_SOURCE_DIR}/schemas/tov-serve.openapi.json)
+  set(tov_openapi_source ${CMAKE_CURRENT_BINARY_DIR}/serve_openapi_document.cpp)
+  add_custom_command(OUTPUT ${tov_openapi_source}
+    COMMAND ${CMAKE_COMMAND} -DINPUT=${tov_openapi} -DOUTPUT=${tov_openapi_source}
+      -DNAMESPACE=tovserve -DFUNCTION=openApiDocument
+      -P ${PROJECT_SOURCE_DIR}/cmake/embed_text.cmake
+    DEPENDS ${tov_openapi} ${PROJECT_SOURCE_DIR}/cmake/embed_text.cmake
+    COMMENT "Embedding the OpenAPI document of tov serve")
+
+  add_library(tov_serve_core STATIC
+    ${tov_tools}/serve/decision_log.cpp
+    ${tov_tools}/serve/decision_service.cpp
+    ${tov_tools}/serve/serve_metrics.cpp
+    ${tov_tools}/serve/serve_router.cpp
+    ${tov_tools}/serve/sha256.cpp
+    ${tov_openapi_source}
+  )
+  target_include_directories(tov_serve_core PUBLIC ${tov_tools}/serve)
+  target_compile_definitions(tov_serve_core PRIVATE TOV_PROGRAM_VERSION="${PROJECT_VERSION}")
+  target_link_libraries(tov_serve_core PUBLIC tov_program_core tov_http_core)
+  tov_set_warnings(tov_serve_core)
 endif()
