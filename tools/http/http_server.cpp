@@ -223,7 +223,8 @@ private:
         version = message.version();
         std::optional<HttpResponse> refusal;
         try {
-            refusal = handler.screen(headOf(message));
+            head = headOf(message);
+            refusal = handler.screen(head);
         } catch (const std::exception&) {
             refusal = errorResponse(500, "the server could not screen the request");
         }
@@ -296,7 +297,8 @@ private:
     void dispatch() {
         http::request<http::string_body>& message = parser->get();
         const bool keepAlive = message.keep_alive();
-        HttpRequest request = headOf(message);
+        // The head as screened, so that its headers are copied once.
+        HttpRequest request = std::move(head);
         request.body = std::move(message.body());
         HttpResponse response;
         try {
@@ -439,6 +441,7 @@ private:
 
     beast::flat_buffer buffer;
     std::optional<http::request_parser<http::string_body>> parser;
+    HttpRequest head;
     unsigned version = 11;
     bool idle = false;
     bool keepAlive = false;
