@@ -291,10 +291,11 @@ Command addServeCommand(CLI::App& program) {
         ->type_name("FILE");
     addLogOption(*command, options->log);
     command->footer(helpText({
-        "Routes (HTTP/1.1, keep-alive; every error is {\"error\": \"...\"}):",
+        R"x(Routes (HTTP/1.1, keep-alive; every error is {"error": "..."}):)x",
         "  POST /v1/evaluate/KIND: the body is the request; the answer is the line that eval "
         "KIND prints (?format=structured: eval --format json). KIND is one of " +
             requestKindNamesInWords() + ".",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over two lines.
         "  POST /v1/batch: JSON Lines in, as batch reads them; the lines batch prints out "
         "(?format=structured: batch --format json).",
         "  GET /v1/rules (explain --format json), GET /v1/graph?type=T&attribute=A"

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <sstream>
@@ -309,8 +312,8 @@ TEST(ServeOpenApi, ListsEveryRouteAndNoOther) {
 }
 
 TEST(DecisionLog, WritesOneLinePerDecision) {
-    char path[] = "/tmp/tov_decisions_XXXXXX";
-    const int descriptor = ::mkstemp(path);
+    std::string path = "/tmp/tov_decisions_XXXXXX";
+    const int descriptor = ::mkstemp(path.data());
     ASSERT_GE(descriptor, 0);
     ::close(descriptor);
     {
@@ -324,7 +327,7 @@ TEST(DecisionLog, WritesOneLinePerDecision) {
         log.write({"link", notJson, answer, 4, std::chrono::microseconds(3)});
     }
     const std::string written = readFile(path);
-    std::remove(path);
+    std::remove(path.c_str());
     const std::size_t firstEnd = written.find('\n');
     ASSERT_NE(firstEnd, std::string::npos);
     tovjson::Document first;

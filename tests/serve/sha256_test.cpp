@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -20,7 +22,7 @@ TEST(Sha256, KnownDigests) {
 // Lengths around the block of 64 bytes and the 56 bytes after which the
 // length no longer fits in the last block.
 TEST(Sha256, LengthsAroundTheBlock) {
-    const std::pair<std::size_t, const char*> expected[] = {
+    const std::array<std::pair<std::size_t, const char*>, 7> expected = {{
         {55, "9f4390f8d30c2dd92ec9f095b65e2b9ae9b0a925a5258e241c9f1e910f734318"},
         {56, "b35439a4ac6f0948b6d6f9e3c6af0f5f590ce20f1bde7090ef7970686ec6738a"},
         {63, "7d3e74a05d7db15bce4ad9ec0658ea98e3f06eeecf16b4c6fff2da457ddc2f34"},
@@ -28,7 +30,7 @@ TEST(Sha256, LengthsAroundTheBlock) {
         {65, "635361c48bb9eab14198e76ea8ab7f1a41685d6ad62aa9146d301d4f17eb0ae0"},
         {119, "31eba51c313a5c08226adf18d4a359cfdfd8d2e816b13f4af952f7ea6584dcfb"},
         {120, "2f3d335432c70b580af0e8e1b3674a7c020d683aa5f73aaaedfdc55af904c21c"},
-    };
+    }};
     for (const auto& [length, digest] : expected) {
         EXPECT_EQ(tovserve::sha256Hex(std::string(length, 'a')), digest) << length;
     }

@@ -80,17 +80,18 @@ public:
     // must stay callable.
     void drain(std::function<void()> onEmpty) {
         std::vector<Close> closeNow;
-        bool emptyNow = false;
+        std::function<void()> callNow;
         {
             std::lock_guard<std::mutex> lock(mutex);
-            emptyNow = count == 0;
-            if (!emptyNow) {
+            if (count == 0) {
+                callNow = std::move(onEmpty);
+            } else {
                 whenEmpty = std::move(onEmpty);
                 closeNow.assign(closers.begin(), closers.end());
             }
         }
-        if (emptyNow) {
-            onEmpty();
+        if (callNow) {
+            callNow();
         }
         for (const Close& close : closeNow) {
             close();
@@ -395,14 +396,12 @@ private:
     }
 
     void written(beast::error_code error) {
-        if (error) {
-            close();
-        } else if (bodyUnread) {
+        if (!error && bodyUnread) {
             lingerThenClose();
-        } else if (!keepAlive) {
-            close();
-        } else {
+        } else if (!error && keepAlive) {
             awaitRequest();
+        } else {
+            close();
         }
     }
 

@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 
 namespace tovhttp {
@@ -10,8 +11,8 @@ namespace tovhttp {
 namespace {
 
 bool isAddress(int family, const std::string& host) {
-    unsigned char parsed[sizeof(struct in6_addr)];
-    return ::inet_pton(family, host.c_str(), parsed) == 1;
+    std::array<unsigned char, sizeof(in6_addr)> parsed{};
+    return ::inet_pton(family, host.c_str(), parsed.data()) == 1;
 }
 
 }  // namespace

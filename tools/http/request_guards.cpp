@@ -1,6 +1,7 @@
 #include "request_guards.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <utility>
 
@@ -9,7 +10,7 @@ namespace tovhttp {
 namespace {
 
 // The names under which a loopback address is always reached.
-constexpr std::string_view kLoopbackNames[] = {"127.0.0.1", "localhost", "[::1]"};
+constexpr std::array<std::string_view, 3> kLoopbackNames = {"127.0.0.1", "localhost", "[::1]"};
 
 std::string_view trimmed(std::string_view text) {
     const auto blank = [](char c) { return c == ' ' || c == '\t'; };
@@ -53,7 +54,7 @@ bool RequestGuards::isAllowedHost(std::string_view host) const {
         return false;
     }
     const auto same = [&](std::string_view allowed) { return equalsIgnoringCase(name, allowed); };
-    return std::any_of(std::begin(kLoopbackNames), std::end(kLoopbackNames), same) ||
+    return std::any_of(kLoopbackNames.begin(), kLoopbackNames.end(), same) ||
            std::any_of(policy.allowedHosts.begin(), policy.allowedHosts.end(), same);
 }
 

@@ -2,6 +2,7 @@
 
 #include "json/json_types.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -81,14 +82,14 @@ void writeJsonOrString(tovcli::JsonWriter& writer, const std::string& text) {
 std::string utcTimestamp(std::chrono::system_clock::time_point moment) {
     const auto sinceEpoch =
         std::chrono::duration_cast<std::chrono::microseconds>(moment.time_since_epoch());
-    const std::time_t seconds = static_cast<std::time_t>(sinceEpoch.count() / 1'000'000);
+    const auto seconds = static_cast<std::time_t>(sinceEpoch.count() / 1'000'000);
     std::tm parts{};
     ::gmtime_r(&seconds, &parts);
-    char text[40];
-    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
-    std::snprintf(text + length, sizeof text - length, ".%06lldZ",
+    std::array<char, 40> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &parts);
+    std::snprintf(text.data() + length, text.size() - length, ".%06lldZ",
                   static_cast<long long>(sinceEpoch.count() % 1'000'000));
-    return text;
+    return text.data();
 }
 
 DecisionLog::~DecisionLog() {

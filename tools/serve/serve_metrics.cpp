@@ -38,10 +38,10 @@ constexpr std::array<Bucket, 16> kBucketTable = {{
 constexpr std::array<const char*, 3> kResultNames = {"Success", "Failure", "MissingData"};
 
 std::string seconds(std::uint64_t nanoseconds) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%" PRIu64 ".%09" PRIu64, nanoseconds / 1'000'000'000,
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%" PRIu64 ".%09" PRIu64, nanoseconds / 1'000'000'000,
                   nanoseconds % 1'000'000'000);
-    return text;
+    return text.data();
 }
 
 void header(std::string& out, const char* name, const char* type, const char* help) {
@@ -74,6 +74,7 @@ ServeMetrics::ServeMetrics(std::vector<std::string> kindNames)
 const std::vector<double>& ServeMetrics::bucketBounds() {
     static const std::vector<double> bounds = [] {
         std::vector<double> seconds;
+        seconds.reserve(kBucketTable.size());
         for (const Bucket& bucket : kBucketTable) {
             seconds.push_back(static_cast<double>(bucket.nanoseconds) / 1e9);
         }
@@ -156,7 +157,7 @@ std::string ServeMetrics::exposition(const GenerationGauges& gauges) const {
         }
         // Read after the buckets, so that +Inf is never below the last bucket.
         const std::uint64_t count = std::max(histogram.count.load(kRelaxed), cumulative);
-        sample(out, "tov_request_duration_seconds_bucket{kind=\"" + name + "\",le=\"+Inf\"}",
+        sample(out, "tov_request_duration_seconds_bucket{kind=\"" + name + R"(",le="+Inf"})",
                std::to_string(count));
         sample(out, "tov_request_duration_seconds_sum{kind=\"" + name + "\"}",
                seconds(histogram.nanoseconds.load(kRelaxed)));
