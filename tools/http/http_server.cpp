@@ -1,9 +1,11 @@
 #include "http_server.h"
 
+#include <boost/asio/dispatch.hpp>
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/strand.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 
@@ -142,6 +144,8 @@ public:
 
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
+
+    net::any_io_executor executor() { return stream.get_executor(); }
 
     void start(bool admitted) {
         beast::error_code ignored;
@@ -461,14 +465,23 @@ private:
 struct HttpServer::State {
     explicit State(const ServerLimits& limits)
         : limits(limits),
-          acceptor(net::make_strand(context)),
-          acceptRetry(acceptor.get_executor()),
-          graceTimer(acceptor.get_executor()),
-          signals(acceptor.get_executor()) {}
+          acceptor(first()),
+          acceptRetry(first()),
+          graceTimer(first()),
+          signals(first()) {}
+
+    // The context of the acceptor, the timers and the signals.
+    net::io_context& first() {
+        if (contexts.empty()) {
+            contexts.push_back(std::make_unique<net::io_context>(1));
+        }
+        return *contexts.front();
+    }
 
     void accept() {
-        acceptor.async_accept(net::make_strand(context), [this](beast::error_code error,
-                                                                tcp::socket socket) {
+        net::io_context& home = *contexts[nextContext++ % contexts.size()];
+        acceptor.async_accept(home.get_executor(), [this](beast::error_code error,
+                                                          tcp::socket socket) {
             if (stopping) {
                 return;
             }
@@ -486,8 +499,10 @@ struct HttpServer::State {
             }
             if (!error) {
                 const bool admitted = registry->enter(limits.maxConnections);
-                std::make_shared<Session>(std::move(socket), limits, *handler, registry, stopping)
-                    ->start(admitted);
+                auto session = std::make_shared<Session>(std::move(socket), limits, *handler,
+                                                         registry, stopping);
+                // Started on the thread of its own context, which alone runs it.
+                net::post(session->executor(), [session, admitted] { session->start(admitted); });
             }
             accept();
         });
@@ -505,7 +520,7 @@ struct HttpServer::State {
         });
     }
 
-    // On the acceptor's strand.
+    // On the first context's thread.
     void beginStop(std::chrono::milliseconds grace) {
         if (stopping.exchange(true)) {
             return;
@@ -516,7 +531,10 @@ struct HttpServer::State {
         graceTimer.expires_after(grace);
         graceTimer.async_wait([this](beast::error_code error) {
             if (!error) {
-                context.stop();  // the grace is over: what is still in flight is dropped
+                // The grace is over: what is still in flight is dropped.
+                for (const std::unique_ptr<net::io_context>& context : contexts) {
+                    context->stop();
+                }
             }
         });
         registry->drain([this] {
@@ -524,12 +542,18 @@ struct HttpServer::State {
                 graceTimer.cancel();
                 beast::error_code cancelled;
                 signals.cancel(cancelled);
+                keepRunning.clear();
             });
         });
     }
 
     ServerLimits limits;
-    net::io_context context;
+    // One context per thread, so that threads share no queue of handlers and
+    // a connection is served by one thread alone. The first also holds the
+    // acceptor, the timers and the signals.
+    std::vector<std::unique_ptr<net::io_context>> contexts;
+    std::vector<net::executor_work_guard<net::io_context::executor_type>> keepRunning;
+    std::size_t nextContext = 0;
     tcp::acceptor acceptor;
     net::steady_timer acceptRetry;
     net::steady_timer graceTimer;
@@ -594,15 +618,20 @@ void HttpServer::handleSignals(const std::vector<int>& signals, std::function<vo
 
 void HttpServer::run(HttpHandler& handler, unsigned threads) {
     state->handler = &handler;
+    for (unsigned i = 1; i < threads; ++i) {
+        state->contexts.push_back(std::make_unique<net::io_context>(1));
+        // Kept running while no connection is theirs, until the stop.
+        state->keepRunning.push_back(net::make_work_guard(*state->contexts.back()));
+    }
     net::post(state->acceptor.get_executor(), [this] {
         state->accept();
         state->awaitSignal();
     });
     std::vector<std::thread> others;
-    for (unsigned i = 1; i < threads; ++i) {
-        others.emplace_back([this] { state->context.run(); });
+    for (std::size_t i = 1; i < state->contexts.size(); ++i) {
+        others.emplace_back([this, i] { state->contexts[i]->run(); });
     }
-    state->context.run();
+    state->contexts.front()->run();
     for (std::thread& thread : others) {
         thread.join();
     }
@@ -610,8 +639,8 @@ void HttpServer::run(HttpHandler& handler, unsigned threads) {
 }
 
 void HttpServer::stop(std::chrono::milliseconds grace) {
-    // On the acceptor's strand (as a signal's callback is) the stop begins
-    // at once, so that no connection is accepted once stop() returns.
+    // On the first context's thread (as a signal's callback is) the stop
+    // begins at once, so that no connection is accepted once stop() returns.
     net::dispatch(state->acceptor.get_executor(), [this, grace] { state->beginStop(grace); });
 }
 
