@@ -7,8 +7,10 @@ The request is the benchmark's edit at 100 rules (tov_bench's workload,
 written by tov_bench_workload_files), sent over keep-alive connections.
 Three measures:
 
-  1. The highest rate of tov serve and of nginx, with --connections each;
-     their ratio is the first goal (tov serve at least half of nginx).
+  1. The highest rate of tov serve and of nginx, with --connections each,
+     the median of --rounds runs taken in turn, so that other work on the
+     machine weighs on both alike; their ratio is the first goal (tov serve
+     at least half of nginx).
   2. The latency near half of tov serve's highest rate. Debian's wrk has no
      rate limit (wrk2's -R), so the rate is lowered by fewer connections:
      every connection waits for its answer before it sends again, so a
@@ -20,7 +22,7 @@ Three measures:
      2xx; otherwise the script fails.
 
 Usage: serve_bench.py [--build-dir DIR] [--duration SECONDS] [--threads N]
-                      [--connections N] [--quick]
+                      [--connections N] [--rounds N] [--quick]
 """
 
 import argparse
@@ -60,6 +62,11 @@ def parse_wrk(output):
     if sockets and any(int(count) > 0 for count in sockets.groups()[:3]):
         raise ValueError("wrk had socket errors:\n" + output)
     return {"rate": float(rate.group(1)), "p50": percentiles[50], "p99": percentiles[99]}
+
+
+def median_run(runs):
+    """The run of the median rate."""
+    return sorted(runs, key=lambda run: run["rate"])[len(runs) // 2]
 
 
 def half_rate_run(runs, highest):
@@ -175,14 +182,25 @@ def measure(arguments):
             out.write('wrk.method = "POST"\nwrk.headers["Content-Type"] = "application/json"\n'
                       "wrk.body = [==[%s]==]\n" % request.decode())
 
-        results = {}
+        nginx_folder = os.path.join(folder, "nginx")
+        os.mkdir(nginx_folder)
         server, port = start_tov(tov, folder, arguments.threads)
+        nginx = None
         try:
+            nginx, nginx_port = start_nginx(nginx_folder, arguments.threads, expected)
             if post(port, request) != (200, expected):
                 raise RuntimeError("tov serve did not answer as tov eval does")
-            run_wrk(port, script, arguments.threads, arguments.connections, 1)  # warm up
-            results["tov"] = run_wrk(port, script, arguments.threads, arguments.connections,
-                                     arguments.duration)
+            if post(nginx_port, request) != (200, expected):
+                raise RuntimeError("nginx did not answer with the fixed body")
+            for warm in (port, nginx_port):
+                run_wrk(warm, script, arguments.threads, arguments.connections, 1)
+            # Rounds in turn, so that other work on the machine weighs on both alike.
+            rounds = {"tov": [], "nginx": []}
+            for _ in range(arguments.rounds):
+                for name, target in (("tov", port), ("nginx", nginx_port)):
+                    rounds[name].append(run_wrk(target, script, arguments.threads,
+                                                arguments.connections, arguments.duration))
+            results = {name: median_run(runs) for name, runs in rounds.items()}
             lower = []
             for connections in (1, 2, 4, 8, 16):
                 if connections >= arguments.connections:
@@ -199,18 +217,8 @@ def measure(arguments):
                 raise RuntimeError("tov serve's answer changed under load")
         finally:
             stop(server)
-
-        nginx_folder = os.path.join(folder, "nginx")
-        os.mkdir(nginx_folder)
-        nginx, port = start_nginx(nginx_folder, arguments.threads, expected)
-        try:
-            if post(port, request) != (200, expected):
-                raise RuntimeError("nginx did not answer with the fixed body")
-            run_wrk(port, script, arguments.threads, arguments.connections, 1)
-            results["nginx"] = run_wrk(port, script, arguments.threads, arguments.connections,
-                                       arguments.duration)
-        finally:
-            stop(nginx)
+            if nginx is not None:
+                stop(nginx)
     return results
 
 
@@ -218,8 +226,9 @@ def format_report(results, arguments):
     tov, nginx, half = results["tov"], results["nginx"], results["half"]
     ratio = tov["rate"] / nginx["rate"]
     lines = [
-        "Edit at 100 rules over HTTP/1.1 keep-alive on loopback, %d threads, wrk for %d s:"
-        % (arguments.threads, arguments.duration),
+        "Edit at 100 rules over HTTP/1.1 keep-alive on loopback, %d threads, wrk for %d s, "
+        "medians of %d rounds in turn:" % (arguments.threads, arguments.duration,
+                                          arguments.rounds),
         "  %-34s %12s %10s %10s" % ("", "requests/s", "p50", "p99"),
         "  %-34s %12.0f %10s %10s" % ("tov serve, %d connections" % arguments.connections,
                                        tov["rate"], format_seconds(tov["p50"]),
@@ -248,11 +257,14 @@ def main():
     parser.add_argument("--threads", type=int, default=os.cpu_count() or 1,
                         help="server threads, nginx workers and wrk threads")
     parser.add_argument("--connections", type=int, default=64)
+    parser.add_argument("--rounds", type=int, default=3,
+                        help="runs of each server in turn; the median counts")
     parser.add_argument("--quick", action="store_true",
                         help="one-second runs and one lower run: that everything works")
     arguments = parser.parse_args()
     if arguments.quick:
         arguments.duration = 1
+        arguments.rounds = 1
     for tool in ("wrk", "nginx"):
         if shutil.which(tool) is None and not os.path.exists("/usr/sbin/" + tool):
             print("serve_bench.py: %s is not installed (Debian package %s)" % (tool, tool),

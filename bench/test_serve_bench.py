@@ -53,6 +53,13 @@ class ParseWrk(unittest.TestCase):
             serve_bench.parse_wrk("wrk: command not found")
 
 
+class Median(unittest.TestCase):
+    def test_the_run_of_the_median_rate(self):
+        runs = [{"rate": 3.0}, {"rate": 1.0}, {"rate": 2.0}]
+        self.assertEqual(serve_bench.median_run(runs), {"rate": 2.0})
+        self.assertEqual(serve_bench.median_run(runs[:1]), {"rate": 3.0})
+
+
 class HalfRate(unittest.TestCase):
     def test_the_run_nearest_to_half_the_highest_rate(self):
         runs = [{"rate": 20000.0}, {"rate": 31000.0}, {"rate": 40000.0}]
