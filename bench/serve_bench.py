@@ -42,6 +42,8 @@ P99_GOAL_SECONDS = 0.001
 UNITS = {"us": 1e-6, "ms": 1e-3, "s": 1.0}
 LISTENING = re.compile(r"^tov serve: listening on http://127\.0\.0\.1:(\d+)$")
 WRK_RATE = re.compile(r"^Requests/sec:\s+([0-9.]+)", re.MULTILINE)
+WRK_COUNT = re.compile(r"^\s+(\d+) requests in ", re.MULTILINE)
+TICKS = os.sysconf("SC_CLK_TCK")
 WRK_PERCENTILE = re.compile(r"^\s+(50|99)%\s+([0-9.]+)(us|ms|s)\s*$", re.MULTILINE)
 WRK_ERRORS = re.compile(r"Non-2xx or 3xx responses: (\d+)")
 WRK_SOCKET_ERRORS = re.compile(r"Socket errors: connect (\d+), read (\d+), write (\d+), "
@@ -52,8 +54,9 @@ PATH = "/v1/evaluate/edit"
 def parse_wrk(output):
     """{"rate": requests/s, "p50": seconds, "p99": seconds} from wrk --latency."""
     rate = WRK_RATE.search(output)
+    count = WRK_COUNT.search(output)
     percentiles = {int(p): float(v) * UNITS[u] for p, v, u in WRK_PERCENTILE.findall(output)}
-    if rate is None or set(percentiles) != {50, 99}:
+    if rate is None or count is None or set(percentiles) != {50, 99}:
         raise ValueError("cannot read wrk's output:\n" + output)
     errors = WRK_ERRORS.search(output)
     if errors and int(errors.group(1)) > 0:
@@ -61,7 +64,33 @@ def parse_wrk(output):
     sockets = WRK_SOCKET_ERRORS.search(output)
     if sockets and any(int(count) > 0 for count in sockets.groups()[:3]):
         raise ValueError("wrk had socket errors:\n" + output)
-    return {"rate": float(rate.group(1)), "p50": percentiles[50], "p99": percentiles[99]}
+    return {"rate": float(rate.group(1)), "requests": int(count.group(1)),
+            "p50": percentiles[50], "p99": percentiles[99]}
+
+
+def cpu_seconds(pid):
+    """User and system CPU time of a process and of its children that live
+    (nginx's workers), in seconds."""
+    total = 0.0
+    for process in [pid] + children(pid):
+        try:
+            with open("/proc/%d/stat" % process) as stat:
+                fields = stat.read().rsplit(")", 1)[1].split()
+        except OSError:
+            continue
+        total += (int(fields[11]) + int(fields[12])) / TICKS
+    return total
+
+
+def children(pid):
+    found = []
+    for task in os.listdir("/proc/%d/task" % pid):
+        try:
+            with open("/proc/%d/task/%s/children" % (pid, task)) as listed:
+                found += [int(child) for child in listed.read().split()]
+        except OSError:
+            pass
+    return found
 
 
 def median_run(runs):
@@ -75,6 +104,8 @@ def half_rate_run(runs, highest):
 
 
 def format_seconds(seconds):
+    if seconds < 1e-5:
+        return "%.1f us" % (seconds * 1e6)
     return "%.0f us" % (seconds * 1e6) if seconds < 1e-3 else "%.2f ms" % (seconds * 1e3)
 
 
@@ -157,12 +188,19 @@ def start_nginx(folder, threads, body):
     return process, port
 
 
-def run_wrk(port, script, threads, connections, duration):
+def run_wrk(port, script, threads, connections, duration, server=None):
+    """wrk's figures; with the server's process, also the server's CPU time
+    per request, which other work on a shared machine moves far less than
+    the rate."""
+    before = cpu_seconds(server.pid) if server is not None else None
     completed = subprocess.run(
         ["wrk", "-t%d" % min(threads, connections), "-c%d" % connections, "-d%ds" % duration,
          "--latency", "-s", script, "http://127.0.0.1:%d%s" % (port, PATH)],
         capture_output=True, text=True, timeout=duration + 60, check=True)
-    return parse_wrk(completed.stdout)
+    run = parse_wrk(completed.stdout)
+    if server is not None:
+        run["cpu"] = (cpu_seconds(server.pid) - before) / max(run["requests"], 1)
+    return run
 
 
 def measure(arguments):
@@ -197,10 +235,14 @@ def measure(arguments):
             # Rounds in turn, so that other work on the machine weighs on both alike.
             rounds = {"tov": [], "nginx": []}
             for _ in range(arguments.rounds):
-                for name, target in (("tov", port), ("nginx", nginx_port)):
+                for name, target, process in (("tov", port, server),
+                                              ("nginx", nginx_port, nginx)):
                     rounds[name].append(run_wrk(target, script, arguments.threads,
-                                                arguments.connections, arguments.duration))
+                                                arguments.connections, arguments.duration,
+                                                process))
             results = {name: median_run(runs) for name, runs in rounds.items()}
+            for name, runs in rounds.items():
+                results[name]["cpu"] = sorted(run["cpu"] for run in runs)[len(runs) // 2]
             lower = []
             for connections in (1, 2, 4, 8, 16):
                 if connections >= arguments.connections:
@@ -239,6 +281,9 @@ def format_report(results, arguments):
         "  %-34s %12.0f %10s %10s" % ("tov serve, %d connection%s" % (
             half["connections"], "" if half["connections"] == 1 else "s"), half["rate"],
             format_seconds(half["p50"]), format_seconds(half["p99"])),
+        "Server CPU time per request (user and system, medians): tov serve %s, nginx %s, "
+        "%.2fx" % (format_seconds(tov["cpu"]), format_seconds(nginx["cpu"]),
+                   tov["cpu"] / nginx["cpu"] if nginx["cpu"] > 0 else float("inf")),
         "%-50s %9s %10s  %s" % ("Goal", "measured", "goal", "met"),
         "%-50s %8.2fx %10s  %s" % ("tov serve's rate / nginx's rate", ratio,
                                    ">= %g" % RATIO_GOAL, "yes" if ratio >= RATIO_GOAL else "no"),

@@ -27,6 +27,7 @@ class ParseWrk(unittest.TestCase):
     def test_rate_and_percentiles(self):
         run = serve_bench.parse_wrk(WRK_OUTPUT)
         self.assertEqual(run["rate"], 45115.0)
+        self.assertEqual(run["requests"], 451150)
         self.assertAlmostEqual(run["p50"], 0.00118)
         self.assertAlmostEqual(run["p99"], 0.00589)
 
@@ -53,6 +54,12 @@ class ParseWrk(unittest.TestCase):
             serve_bench.parse_wrk("wrk: command not found")
 
 
+class CpuTime(unittest.TestCase):
+    def test_this_process_has_used_some(self):
+        self.assertGreaterEqual(serve_bench.cpu_seconds(os.getpid()), 0.0)
+        self.assertEqual(serve_bench.children(os.getpid()), [])
+
+
 class Median(unittest.TestCase):
     def test_the_run_of_the_median_rate(self):
         runs = [{"rate": 3.0}, {"rate": 1.0}, {"rate": 2.0}]
@@ -70,6 +77,7 @@ class HalfRate(unittest.TestCase):
 class Seconds(unittest.TestCase):
     def test_microseconds_below_a_millisecond(self):
         self.assertEqual(serve_bench.format_seconds(72e-6), "72 us")
+        self.assertEqual(serve_bench.format_seconds(8.25e-6), "8.2 us")
         self.assertEqual(serve_bench.format_seconds(0.00589), "5.89 ms")
 
 
