@@ -77,12 +77,12 @@ format:
 	clang-format -i $$(git ls-files '*.h' '*.cpp' '*.c')
 
 # Formatting, the one-way layers of src/, and clang-tidy over every translation
-# unit of the default build (src/, tools/, tests/, bench/).
+# unit of the default build (src/, tools/, tests/, bench/, and the JNI glue in java/).
 lint: deps
 	cmake --preset default
 	clang-format --dry-run -Werror $$(git ls-files '*.h' '*.cpp' '*.c')
 	python3 scripts/check_layers.py
-	run-clang-tidy -p build/default -quiet -j $$(nproc) '/(src|tools|tests|bench)/' > build/clang-tidy.log 2>&1 \
+	run-clang-tidy -p build/default -quiet -j $$(nproc) '/(src|tools|tests|bench|java)/' > build/clang-tidy.log 2>&1 \
 		|| { grep -E 'error:|warning:' build/clang-tidy.log | sort -u; exit 1; }
 	@echo "clang-tidy: clean"
 

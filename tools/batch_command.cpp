@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <limits>
@@ -62,13 +63,40 @@ public:
         progress = bar;
     }
 
-    // Reader: waits until the line may be read ahead, then queues it.
-    void push(Line line) {
+    // Reader: waits until the line may be read ahead, then queues it. False
+    // once the work was given up, so that the reader stops.
+    bool push(Line line) {
         std::unique_lock<std::mutex> lock(mutex);
-        roomAvailable.wait(lock, [&] { return line.index < nextToWrite + window; });
+        roomAvailable.wait(lock, [&] { return givenUp || line.index < nextToWrite + window; });
+        if (givenUp) {
+            return false;
+        }
         queue.push_back(std::move(line));
         ++pushed;
         workAvailable.notify_one();
+        return true;
+    }
+
+    // Any thread: gives the work up after an exception (memory ran out, most
+    // likely), waking everyone who waits; the first exception is kept.
+    void giveUp(std::exception_ptr error) {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (!failure) {
+            failure = std::move(error);
+        }
+        givenUp = true;
+        closed = true;
+        queue.clear();
+        workAvailable.notify_all();
+        roomAvailable.notify_all();
+    }
+
+    // After the workers are joined: throws what made the work stop, if anything.
+    void rethrowFailure() {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (failure) {
+            std::rethrow_exception(failure);
+        }
     }
 
     // Reader: no more lines.
@@ -78,11 +106,12 @@ public:
         workAvailable.notify_all();
     }
 
-    // Worker: the next line, or nothing once the input is done.
+    // Worker: the next line, or nothing once the input is done or the work
+    // was given up.
     std::optional<Line> pop() {
         std::unique_lock<std::mutex> lock(mutex);
         workAvailable.wait(lock, [&] { return closed || !queue.empty(); });
-        if (queue.empty()) {
+        if (queue.empty() || givenUp) {
             return std::nullopt;
         }
         Line line = std::move(queue.front());
@@ -143,19 +172,58 @@ private:
     std::map<std::size_t, Answer> ready;
     std::size_t nextToWrite = 0;
     std::size_t malformed = 0;
+    bool givenUp = false;
+    std::exception_ptr failure;
 };
 
 // A worker borrows the loaded store: evaluations only read the rule store and
 // the data model, and the logger writes each line by itself.
+// An exception ends this worker's work and everyone else's: it is handed to
+// the pipeline, which the main thread asks once all workers are joined.
 void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& pipeline) {
-    TOVCoreDataControllers core;
-    core.borrowData(loaded);
-    const RequestJudge judge = judgeWithCoreData(&core);
-    while (std::optional<Line> line = pipeline.pop()) {
-        BatchAnswer answer = answerBatchLine(line->text, line->index + 1, judge, format);
-        pipeline.deliver(*line, std::move(answer.text), answer.wasRequest);
+    try {
+        TOVCoreDataControllers core;
+        core.borrowData(loaded);
+        const RequestJudge judge = judgeWithCoreData(&core);
+        while (std::optional<Line> line = pipeline.pop()) {
+            BatchAnswer answer = answerBatchLine(line->text, line->index + 1, judge, format);
+            pipeline.deliver(*line, std::move(answer.text), answer.wasRequest);
+        }
+    } catch (...) {
+        pipeline.giveUp(std::current_exception());
     }
 }
+
+// Joins every worker however the main thread leaves, after giving the work up
+// if it leaves by an exception: a thread still running at exit would end the
+// process by a signal instead of with a message.
+class Workers {
+public:
+    explicit Workers(OrderedPipeline& pipeline) : pipeline(pipeline) {}
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
+    ~Workers() {
+        if (std::uncaught_exceptions() > 0) {
+            pipeline.giveUp(nullptr);
+        }
+        joinAll();
+    }
+
+    void start(TOVCoreDataControllers* loaded, OutputFormat format) {
+        threads.emplace_back(work, loaded, format, std::ref(pipeline));
+    }
+    void joinAll() {
+        for (std::thread& thread : threads) {
+            if (thread.joinable()) {
+                thread.join();
+            }
+        }
+    }
+
+private:
+    OrderedPipeline& pipeline;
+    std::vector<std::thread> threads;
+};
 
 // Reads lines of any length up to a limit, each without its "\n";
 // trimBatchLine then takes off the rest of a line end.
@@ -216,7 +284,9 @@ std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipe
                    tooLarge(options.requestsPath, "requests", options.documents.maxInputSize);
         }
         trimBatchLine(text, index == 0);
-        pipeline.push({index++, std::move(text), bytes});
+        if (!pipeline.push({index++, std::move(text), bytes})) {
+            return {};  // the work was given up; the failure tells why
+        }
     }
 }
 
@@ -254,17 +324,17 @@ int runBatch(const BatchOptions& options) {
         progress.emplace(size);
         pipeline.showProgressOn(&*progress);
     }
-    std::vector<std::thread> workers;
-    workers.reserve(jobs);
-    for (unsigned i = 0; i < jobs; ++i) {
-        workers.emplace_back(work, core.get(), options.format, std::ref(pipeline));
+    std::string readError;
+    {
+        Workers workers(pipeline);
+        for (unsigned i = 0; i < jobs; ++i) {
+            workers.start(core.get(), options.format);
+        }
+        readError = feedLines(input, options, pipeline);
+        pipeline.close();
+        workers.joinAll();
     }
-
-    const std::string readError = feedLines(input, options, pipeline);
-    pipeline.close();
-    for (std::thread& worker : workers) {
-        worker.join();
-    }
+    pipeline.rethrowFailure();
     std::fflush(answerStream());
     const std::size_t malformed = pipeline.malformedLines();
     if (progress) {

@@ -20,6 +20,7 @@
 #define TOV_TOVENGINE_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -81,6 +82,14 @@ public:
     // The same with the path of a file that holds the JSON text.
     TOVResponse evaluateFile(const std::string& kind, const std::string& path);
 
+    // For a door that must still hand the answer on (copy it out for a host
+    // in another language, send it): `handOn` gets the answer of a load before
+    // the load is published. Whatever it throws passes on, and the load then
+    // leaves its document not loaded, as an interrupted load does, so that a
+    // caller who never got the answer is never served from the new document.
+    void evaluateAndHandOn(const std::string& kind, const std::string& input, bool inputIsFilePath,
+                           const std::function<void(const TOVResponse&)>& handOn);
+
     // What replaceDocuments did.
     struct DocumentsLoad {
         TOVResponse rules;      // the answer of the rules load
@@ -112,8 +121,9 @@ private:
 
     TOVResponse answer(const std::string& kind, const std::string& input, bool inputIsFilePath);
     // Loads one document ("rules" or "datamodel") into a new store beside the
-    // current generation's other parts, and publishes the result.
-    TOVResponse load(const std::string& kind, const std::string& input, bool inputIsFilePath);
+    // current generation's other parts, hands the answer on, then publishes.
+    void load(const std::string& kind, const std::string& input, bool inputIsFilePath,
+              const std::function<void(const TOVResponse&)>& handOn);
 
     std::unique_ptr<State> state;
 };

@@ -1,5 +1,5 @@
 /* The C interface of tov: a door for hosts in any language (C, Python through
- * ctypes, Java through JNA or the Foreign Function API, C# through P/Invoke).
+ * ctypes, Java through the org.tov package over JNI, C# through P/Invoke).
  * It compiles as C99 and as C++, and only plain C types cross it: texts in,
  * the response's single-string form out.
  *
@@ -61,7 +61,9 @@ TOV_API void tov_engine_free(tov_engine* engine);
  * so, such as {"Result":"Failure","ResultComment":"Unknown request kind \"x\": ..."}.
  * When memory runs out the answer is
  *   {"Result":"Failure","ResultComment":"Out of memory: tov could not answer"}
- * and the result is NULL only if not even that text can be allocated. */
+ * and the result is NULL only if not even that text can be allocated. A load
+ * that runs out of memory leaves its document not loaded, as a load of a
+ * faulty document does; the engine stays usable. */
 TOV_API char* tov_evaluate(tov_engine* engine, const char* kind, const char* json_text);
 
 /* The same with the path of a file that holds the JSON text. A file that

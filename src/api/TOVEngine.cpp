@@ -99,18 +99,31 @@ TOVResponse TOVEngine::evaluateFile(const std::string& kind, const std::string& 
 
 TOVResponse TOVEngine::answer(const std::string& kind, const std::string& input,
                               bool inputIsFilePath) {
-    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
-    if (found == nullptr) {
-        return tovapi::unknownKindResponse(kind);
+    // A request's answer comes back by value, with no hand-on in between: the
+    // hot path pays for nothing a load needs.
+    if (!isDocumentKind(kind)) {
+        return state->now()->evaluate(kind, input, inputIsFilePath);
     }
-    if (found->isDocument) {
-        return load(kind, input, inputIsFilePath);
-    }
-    return state->now()->evaluate(kind, input, inputIsFilePath);
+    TOVResponse loaded;
+    load(kind, input, inputIsFilePath, [&loaded](const TOVResponse& given) { loaded = given; });
+    return loaded;
 }
 
-TOVResponse TOVEngine::load(const std::string& kind, const std::string& input,
-                            bool inputIsFilePath) {
+void TOVEngine::evaluateAndHandOn(const std::string& kind, const std::string& input,
+                                  bool inputIsFilePath,
+                                  const std::function<void(const TOVResponse&)>& handOn) {
+    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
+    if (found == nullptr) {
+        handOn(tovapi::unknownKindResponse(kind));
+    } else if (found->isDocument) {
+        load(kind, input, inputIsFilePath, handOn);
+    } else {
+        handOn(state->now()->evaluate(kind, input, inputIsFilePath));
+    }
+}
+
+void TOVEngine::load(const std::string& kind, const std::string& input, bool inputIsFilePath,
+                     const std::function<void(const TOVResponse&)>& handOn) {
     const bool rules = kind == "rules";
     std::lock_guard<std::mutex> lock(state->changing);
     const std::shared_ptr<const TOVEngineGeneration> base = state->now();
@@ -121,17 +134,21 @@ TOVResponse TOVEngine::load(const std::string& kind, const std::string& input,
         base->number() + 1));
     TOVCoreDataControllers core;
     next->lendTo(core);
-    TOVResponse answer;
     try {
-        answer = loadDocument(kind.c_str(), input, inputIsFilePath, &core);
+        handOn(loadDocument(kind.c_str(), input, inputIsFilePath, &core));
     } catch (...) {
-        // An interrupted load (out of memory, most likely) left the new store
-        // empty: the document counts as not loaded, as after any failed load.
+        // An interrupted load (out of memory, most likely), or an answer that
+        // could not be handed on: the document counts as not loaded, as after
+        // any failed load. Emptying a store allocates nothing.
+        if (rules) {
+            next->rulesStore->clearAllRules();
+        } else {
+            next->dataModelInfo->clearAllInfo();
+        }
         state->publish(std::move(next));
         throw;
     }
     state->publish(std::move(next));
-    return answer;
 }
 
 TOVEngine::DocumentsLoad TOVEngine::replaceDocuments(const std::string& rules,

@@ -21,6 +21,14 @@ char* copyForHost(const char* text, std::size_t length) noexcept {
     return copy;
 }
 
+char* handOverToHost(const std::string& text) {
+    char* copy = copyForHost(text.c_str(), text.size());
+    if (copy == nullptr) {
+        throw std::bad_alloc();
+    }
+    return copy;
+}
+
 std::string failureAnswer(const std::string& comment) {
     TOVResponse response;
     response.setGeneralResult(false);
@@ -35,9 +43,10 @@ char* answerForCurrentException() noexcept {
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception& error) {
-            return copyForHost(failureAnswer(std::string("tov could not answer: ") + error.what()));
+            return handOverToHost(
+                failureAnswer(std::string("tov could not answer: ") + error.what()));
         } catch (...) {
-            return copyForHost(failureAnswer("tov could not answer: unknown error"));
+            return handOverToHost(failureAnswer("tov could not answer: unknown error"));
         }
     } catch (...) {
         // Out of memory, or so short of it that the other answers could not be made.

@@ -15,9 +15,9 @@ extern const char* const kOutOfMemoryAnswer;
 // A copy in memory from malloc, which tov_string_free releases; null when
 // that memory cannot be had.
 char* copyForHost(const char* text, std::size_t length) noexcept;
-inline char* copyForHost(const std::string& text) noexcept {
-    return copyForHost(text.c_str(), text.size());
-}
+
+// The same, throwing std::bad_alloc instead of giving null.
+char* handOverToHost(const std::string& text);
 
 // The single-string form of a failed response with this comment.
 std::string failureAnswer(const std::string& comment);
@@ -25,12 +25,13 @@ std::string failureAnswer(const std::string& comment);
 // The answer for the exception in flight; call it only inside a catch block.
 char* answerForCurrentException() noexcept;
 
-// Runs `produce`, which returns an answer's text, and hands the text to the
-// host; any exception it throws becomes a failure answer instead.
+// Runs `produce`, which returns an answer handed over to the host (see
+// handOverToHost); any exception it throws becomes a failure answer instead,
+// the out-of-memory answer when memory ran out.
 template <typename Produce>
 char* answerForHost(Produce&& produce) noexcept {
     try {
-        return copyForHost(produce());
+        return produce();
     } catch (...) {
         return answerForCurrentException();
     }

@@ -17,20 +17,25 @@ struct tov_engine {
 namespace {
 
 char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inputIsPath) noexcept {
-    return tov_c::answerForHost([&]() -> std::string {
+    return tov_c::answerForHost([&]() -> char* {
         if (engine == nullptr) {
-            return tov_c::failureAnswer("No engine given (NULL)");
+            return tov_c::handOverToHost(tov_c::failureAnswer("No engine given (NULL)"));
         }
         if (kind == nullptr) {
-            return tov_c::failureAnswer("No request kind given (NULL)");
+            return tov_c::handOverToHost(tov_c::failureAnswer("No request kind given (NULL)"));
         }
         if (input == nullptr) {
-            return tov_c::failureAnswer(inputIsPath ? "No request file path given (NULL)"
-                                                    : "No request text given (NULL)");
+            return tov_c::handOverToHost(
+                tov_c::failureAnswer(inputIsPath ? "No request file path given (NULL)"
+                                                 : "No request text given (NULL)"));
         }
-        const TOVResponse answer = inputIsPath ? engine->engine.evaluateFile(kind, input)
-                                               : engine->engine.evaluate(kind, input);
-        return answer.turnResponseIntoASingleString();
+        // The answer is copied out before a load is published: a host told
+        // that memory ran out is never served from the document it loaded.
+        char* answer = nullptr;
+        engine->engine.evaluateAndHandOn(kind, input, inputIsPath, [&](const TOVResponse& given) {
+            answer = tov_c::handOverToHost(given.turnResponseIntoASingleString());
+        });
+        return answer;
     });
 }
 

@@ -289,13 +289,14 @@ TEST(CInterface, UnusableLogSettingsAreRefused) {
 }
 
 TEST(CInterfaceBoundary, ExceptionsBecomeFailureAnswers) {
-    EXPECT_EQ(take(tov_c::answerForHost([]() -> std::string { throw std::bad_alloc(); })),
+    EXPECT_EQ(take(tov_c::answerForHost([]() -> char* { throw std::bad_alloc(); })),
               tov_c::kOutOfMemoryAnswer);
     EXPECT_EQ(take(tov_c::answerForHost(
-                  []() -> std::string { throw std::runtime_error("the disk caught fire"); })),
+                  []() -> char* { throw std::runtime_error("the disk caught fire"); })),
               failure("tov could not answer: the disk caught fire"));
-    EXPECT_EQ(take(tov_c::answerForHost([]() -> std::string { throw 42; })),
+    EXPECT_EQ(take(tov_c::answerForHost([]() -> char* { throw 42; })),
               failure("tov could not answer: unknown error"));
+    EXPECT_EQ(take(tov_c::answerForHost([] { return tov_c::handOverToHost("{}"); })), "{}");
 }
 
 TEST(CInterfaceBoundary, TheOutOfMemoryAnswerIsAFailureResponse) {

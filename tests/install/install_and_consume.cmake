@@ -130,8 +130,9 @@ run_step("consumer run (pkg-config)" "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=
 message(STATUS "pkg-config consumer: ${step_output}")
 
 # 3. Hosts in other languages, through the C interface: a C program built with
-# examples/c_host/CMakeLists.txt and the installed Python package each evaluate
-# every example request and must print exactly what the installed tov eval prints.
+# examples/c_host/CMakeLists.txt, the installed Python package and a Java
+# program compiled against the installed jar each evaluate every example
+# request and must print exactly what the installed tov eval prints.
 if(NOT EXISTS "${prefix}/include/tov/tov_c.h")
   message(FATAL_ERROR "tov/tov_c.h is not installed")
 endif()
@@ -214,4 +215,86 @@ if(install_python)
   run_step("Python host run" "${CMAKE_COMMAND}" -E env ${python_environment}
     "${python}" "${SOURCE_DIR}/examples/python/evaluate.py" ${documents} ${requests})
   expect_tov_eval_output("the Python package" "${step_output}")
+endif()
+
+# The installed Java package: the example host compiled with javac against the
+# installed jar alone, and run with nothing else on its class path; the jar
+# finds the installed libtov_jni.so from its own place, and that finds
+# libtov.so beside itself.
+read_main_cache(TOV_BUILD_JAVA build_java)
+if(build_java)
+  read_main_cache(TOV_JAVA_INSTALL_DIR java_dir)
+  if(NOT IS_ABSOLUTE "${java_dir}")
+    set(java_dir "${prefix}/${java_dir}")
+  endif()
+  set(jar "${java_dir}/tov.jar")
+  set(jni_library "${libdir}/libtov_jni.so")
+  foreach(file "${jar}" "${jni_library}")
+    if(NOT EXISTS "${file}")
+      message(FATAL_ERROR "${file} is not installed")
+    endif()
+  endforeach()
+  run_step("readelf libtov_jni.so" readelf -d "${jni_library}")
+  if(NOT step_output MATCHES "\\((RUNPATH|RPATH)\\)[^\n]*\\[\\$ORIGIN\\]")
+    message(FATAL_ERROR "libtov_jni.so does not look for libtov.so beside itself:\n${step_output}")
+  endif()
+
+  read_main_cache(Java_JAVAC_EXECUTABLE javac)
+  read_main_cache(Java_JAVA_EXECUTABLE java)
+  set(java_host "${WORK_DIR}/java-host")
+  run_step("Java host compile" "${javac}" -encoding UTF-8 -Xlint:all -Werror -cp "${jar}"
+    -d "${java_host}" "${SOURCE_DIR}/examples/java/Evaluate.java")
+  # What a JVM needs around a sanitized library, as the Java tests have it.
+  set(CMAKE_CXX_COMPILER "${cxx}")
+  set(CMAKE_CXX_FLAGS "${cxx_flags}")
+  include("${SOURCE_DIR}/cmake/hosted_runtimes.cmake")
+  tov_java_environment(java_environment)
+  set(java_run "${CMAKE_COMMAND}" -E env --unset=LD_LIBRARY_PATH ${java_environment} "${java}")
+  run_step("Java host run" ${java_run} -cp "${jar}:${java_host}" Evaluate ${documents} ${requests})
+  expect_tov_eval_output("the Java package" "${step_output}")
+
+  # A jar linked from elsewhere, as Debian links jars into /usr/share/java,
+  # finds the installation that it links to.
+  file(MAKE_DIRECTORY "${WORK_DIR}/linked")
+  file(CREATE_LINK "${jar}" "${WORK_DIR}/linked/tov.jar" SYMBOLIC)
+  run_step("Java host run through a linked jar" ${java_run}
+    -cp "${WORK_DIR}/linked/tov.jar:${java_host}" Evaluate ${documents} ${requests})
+  expect_tov_eval_output("the Java package through a linked jar" "${step_output}")
+
+  # The other two ways to the JNI library, from a copy of the jar that has no
+  # installation around it: the system property, and java.library.path.
+  set(lone_jar "${WORK_DIR}/lone/tov.jar")
+  file(COPY "${jar}" DESTINATION "${WORK_DIR}/lone")
+  set(one_request edit "${examples}/requests/edit-part-release-first-pass.json")
+  foreach(way "-Dtov.jni.library=${jni_library}" "-Djava.library.path=${libdir}")
+    run_step("Java host run with ${way}" ${java_run} "${way}" -cp "${lone_jar}:${java_host}"
+      Evaluate ${documents} ${one_request})
+    file(READ "${examples}/expected/edit-part-release-first-pass.out" expected)
+    if(NOT step_output STREQUAL expected)
+      message(FATAL_ERROR "the Java host with ${way} printed:\n${step_output}")
+    endif()
+  endforeach()
+  # Without either it fails and says where it looked and how to name the file.
+  function(expect_java_failure what words)
+    execute_process(COMMAND ${java_run} ${ARGN} RESULT_VARIABLE rc OUTPUT_QUIET ERROR_VARIABLE err)
+    string(FIND "${err}" "${words}" at)
+    if(rc EQUAL 0 OR at EQUAL -1)
+      message(FATAL_ERROR "the Java host ${what} did not fail saying \"${words}\" (${rc}):\n${err}")
+    endif()
+  endfunction()
+  # It looked where an installation would have put the library, relative to
+  # the jar, and beside the jar.
+  file(RELATIVE_PATH library_from_jar "${java_dir}" "${libdir}")
+  set(installed_place "${library_from_jar}/libtov_jni.so")
+  cmake_path(ABSOLUTE_PATH installed_place BASE_DIRECTORY "${WORK_DIR}/lone" NORMALIZE)
+  expect_java_failure("without its library"
+    "cannot load libtov_jni.so: tried [${installed_place}, ${WORK_DIR}/lone/libtov_jni.so] and java.library.path ("
+    -cp "${lone_jar}:${java_host}" Evaluate ${documents})
+  expect_java_failure("without its library" "); name the file with -Dtov.jni.library=PATH"
+    -cp "${lone_jar}:${java_host}" Evaluate ${documents})
+  # A named file that is not there is named in the failure.
+  expect_java_failure("with a missing library file"
+    "java.lang.UnsatisfiedLinkError: Can't load library: ${WORK_DIR}/missing/libtov_jni.so"
+    "-Dtov.jni.library=${WORK_DIR}/missing/libtov_jni.so" -cp "${jar}:${java_host}" Evaluate
+    ${documents})
 endif()

@@ -1,5 +1,6 @@
 """The readers of the list and map texts inside an answer, on texts the way the
-library writes them and on real answers."""
+library writes them and on real answers. The Java package's TextsTest reads the
+same texts to the same results."""
 
 import pytest
 
@@ -13,6 +14,16 @@ from conftest import request_path, scenario_steps
     ("[Revision]", ["Revision"]),
     ("[Iteration,Overwrite]", ["Iteration", "Overwrite"]),
     ("[In Work,In Review,Released]", ["In Work", "In Review", "Released"]),
+    ("[", []),
+    ("]", []),
+    ("[a,,b]", ["a", "", "b"]),
+    ("[,]", ["", ""]),
+    ("[a,]", ["a", ""]),
+    ("[]]", ["]"]),
+    ("[[a]]", ["[a]"]),
+    ("a,b", ["a", "b"]),
+    (" [a] ", [" [a] "]),
+    ("[a, b]", ["a", " b"]),
 ])
 def test_lists(text, names):
     assert tov.parse_list(text) == names
@@ -27,9 +38,24 @@ def test_lists(text, names):
     ("{Note:10:30}", {"Note": "10:30"}),
     ("{Note:one, two, Owner:me}", {"Note": "one, two", "Owner": "me"}),
     ("{[Iteration,Revision]:Next}", {"[Iteration,Revision]": "Next"}),
+    ("{", {}),
+    ("}", {}),
+    ("{plain}", {"plain": ""}),
+    ("{plain, more}", {"plain": ", more"}),
+    ("{a:1, a:2}", {"a": "2"}),
+    ("{a:1, b:2, a:3, tail}", {"a": "3, tail", "b": "2"}),
+    ("{:x}", {"": "x"}),
+    ("{a:1, , b:2}", {"a": "1, ", "b": "2"}),
+    ("{a:1,b:2}", {"a": "1,b:2"}),
+    ("a:1", {"a": "1"}),
+    ("{{a:1}}", {"{a": "1}"}),
+    ("{a:1, }", {"a": "1, "}),
 ])
 def test_maps(text, pairs):
-    assert tov.parse_map(text) == pairs
+    read = tov.parse_map(text)
+    assert read == pairs
+    # The order of the pairs is kept too, first place of a repeated name included.
+    assert list(read) == list(pairs)
 
 
 def answer_of(engine, name):
