@@ -13,6 +13,7 @@
 #include <atomic>
 #include <cerrno>
 #include <exception>
+#include <iostream>
 #include <limits>
 #include <list>
 #include <mutex>
@@ -460,6 +461,20 @@ private:
     std::array<char, 4096> scratch{};
 };
 
+// Runs a context until it has no more work or is stopped. An exception that
+// escapes a handler (memory that ran out while a connection built its
+// answer) ends that connection alone, whose handler it was; the others go on.
+void serve(net::io_context& context) {
+    while (true) {
+        try {
+            context.run();
+            return;
+        } catch (const std::exception& error) {
+            std::cerr << "tov: a connection was dropped: " << error.what() << std::endl;
+        }
+    }
+}
+
 }  // namespace
 
 struct HttpServer::State {
@@ -629,9 +644,9 @@ void HttpServer::run(HttpHandler& handler, unsigned threads) {
     });
     std::vector<std::thread> others;
     for (std::size_t i = 1; i < state->contexts.size(); ++i) {
-        others.emplace_back([this, i] { state->contexts[i]->run(); });
+        others.emplace_back([this, i] { serve(*state->contexts[i]); });
     }
-    state->contexts.front()->run();
+    serve(*state->contexts.front());
     for (std::thread& thread : others) {
         thread.join();
     }
