@@ -93,8 +93,47 @@ bool readToken(const std::string& path, std::string& token, std::string& error) 
     return true;
 }
 
-// Loads the documents before the first request is taken, and tells what
-// keeps them from loading as check tells it. False when they do not load.
+// The server, with the limits of the options, bound to `address`; null with
+// the reason in `error`.
+std::unique_ptr<tovhttp::HttpServer> openServer(const ServeOptions& options,
+                                                const tovhttp::ListenAddress& address,
+                                                std::string& error) {
+    tovhttp::ServerLimits limits;
+    limits.maxBodySize = options.maxBodySize;
+    limits.maxHeaderSize = static_cast<std::uint32_t>(options.maxHeaderSize);
+    limits.maxConnections = options.maxConnections;
+    limits.readTimeout = milliseconds(options.readTimeout);
+    limits.writeTimeout = milliseconds(options.writeTimeout);
+    limits.idleTimeout = milliseconds(options.idleTimeout);
+    return tovhttp::HttpServer::listen(address, limits, error);
+}
+
+// Runs the server on a thread of its own while the calling thread loads the
+// documents; however the caller leaves, the server is stopped (at once, if
+// it still runs) and the thread joined.
+class ServingThread {
+public:
+    ServingThread(tovhttp::HttpServer& server, tovhttp::HttpHandler& handler, unsigned threads)
+        : server(server), thread([&server, &handler, threads] { server.run(handler, threads); }) {}
+    ~ServingThread() {
+        if (thread.joinable()) {
+            server.stop(std::chrono::milliseconds(0));
+            thread.join();
+        }
+    }
+    ServingThread(const ServingThread&) = delete;
+    ServingThread& operator=(const ServingThread&) = delete;
+
+    // Waits until the server has stopped.
+    void join() { thread.join(); }
+
+private:
+    tovhttp::HttpServer& server;
+    std::thread thread;
+};
+
+// Loads the documents, and tells what keeps them from loading as check
+// tells it. False when they do not load.
 bool loadAtStart(tovserve::DecisionService& service, const std::vector<Document>& documents,
                  std::uint64_t maxInputSize) {
     tovserve::DocumentTexts texts;
@@ -164,15 +203,7 @@ int runServe(const ServeOptions& options) {
         service.keepDecisionLog(&decisionLog);
     }
 
-    tovhttp::ServerLimits limits;
-    limits.maxBodySize = options.maxBodySize;
-    limits.maxHeaderSize = static_cast<std::uint32_t>(options.maxHeaderSize);
-    limits.maxConnections = options.maxConnections;
-    limits.readTimeout = milliseconds(options.readTimeout);
-    limits.writeTimeout = milliseconds(options.writeTimeout);
-    limits.idleTimeout = milliseconds(options.idleTimeout);
-    const std::unique_ptr<tovhttp::HttpServer> server =
-        tovhttp::HttpServer::listen(address, limits, error);
+    const std::unique_ptr<tovhttp::HttpServer> server = openServer(options, address, error);
     if (server == nullptr) {
         std::cerr << "tov: " << error << "\n";
         return kExitUsageOrInput;
@@ -180,7 +211,12 @@ int runServe(const ServeOptions& options) {
     // The port is taken: a caller that asked for any port learns which here.
     std::cerr << "tov serve: listening on " << server->url() << std::endl;
 
-    // Signals are taken from here on; those that come before run() wait for it.
+    tovhttp::GuardPolicy policy;
+    policy.checkHost = server->listensOnLoopback();
+    policy.allowedHosts = options.allowedHosts;
+    policy.token = token;
+    tovserve::ServeRouter router(service, tovhttp::RequestGuards(policy));
+
     tovserve::Reloader reloader(service);
     server->handleSignals({SIGHUP, SIGTERM, SIGINT}, [&](int signal) {
         if (signal == SIGHUP) {
@@ -208,19 +244,16 @@ int runServe(const ServeOptions& options) {
         return kExitUsageOrInput;
     }
 
+    // Served while the documents load, so that probes learn that the process
+    // lives (/health) and is not ready yet (/ready) however long a load takes.
+    ServingThread serving(*server, router, options.threads);
     if (!loadAtStart(service, documents, options.documents.maxInputSize)) {
         return kExitUsageOrInput;
     }
     const std::shared_ptr<const tovserve::Served> first = service.served();
     std::cerr << "tov serve: generation " << first->generation->number() << " serves, with "
               << first->ruleCount << " rules" << std::endl;
-
-    tovhttp::GuardPolicy policy;
-    policy.checkHost = server->listensOnLoopback();
-    policy.allowedHosts = options.allowedHosts;
-    policy.token = token;
-    tovserve::ServeRouter router(service, tovhttp::RequestGuards(policy));
-    server->run(router, options.threads);
+    serving.join();
     watch.stop();
     reloader.stop();
     std::cerr << "tov serve: stopped" << std::endl;

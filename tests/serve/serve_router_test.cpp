@@ -266,27 +266,34 @@ TEST_F(ServeRouterTest, AReloadThatDoesNotLoadKeepsTheGenerationBefore) {
         expected("edit-part-release-first-pass"));
 }
 
-TEST(ServeRouterUnloaded, IsNotReadyAndTheLibraryAnswersRequests) {
+TEST(ServeRouterUnloaded, IsNotReadyAndAnswersNothingFromTheDocuments) {
     DecisionService service("rules.json", "datamodel.json", 1 << 20);
     ServeRouter router(service, tovhttp::RequestGuards(tovhttp::GuardPolicy()));
-    HttpRequest ready;
-    ready.method = "GET";
-    ready.target = "/ready";
-    HttpResponse answer = router.respond(ready);
-    EXPECT_EQ(answer.status, 503);
-    EXPECT_EQ(answer.body, errorBody("the documents are not loaded yet"));
-    HttpRequest edit;
-    edit.method = "POST";
-    edit.target = "/v1/evaluate/edit";
-    edit.headers = {{"Content-Type", "application/json"}};
-    edit.body = "{}";
-    answer = router.respond(edit);
-    EXPECT_EQ(answer.status, 200);
-    EXPECT_EQ(answer.body.rfind("{\"Result\":\"Failure\"", 0), 0U);
-    HttpRequest graph;
-    graph.method = "GET";
-    graph.target = "/v1/graph?type=Part&attribute=Status";
-    EXPECT_EQ(router.respond(graph).status, 503);
+    const auto ask = [&](const std::string& method, const std::string& target) {
+        HttpRequest made;
+        made.method = method;
+        made.target = target;
+        made.headers = {{"Content-Type", "application/json"}};
+        made.body = "{}";
+        return router.respond(made);
+    };
+    const std::string notLoaded = errorBody("the documents are not loaded yet");
+    for (const auto& [method, target] : std::vector<std::pair<std::string, std::string>>{
+             {"GET", "/ready"},
+             {"POST", "/v1/evaluate/edit"},
+             {"POST", "/v1/batch"},
+             {"GET", "/v1/rules"},
+             {"GET", "/v1/graph?type=Part&attribute=Status"}}) {
+        HttpResponse answer = ask(method, target);
+        EXPECT_EQ(answer.status, 503) << target;
+        EXPECT_EQ(answer.body, notLoaded) << target;
+    }
+    EXPECT_EQ(ask("GET", "/health").status, 200);
+    EXPECT_EQ(ask("GET", "/metrics").status, 200);
+    HttpResponse status = ask("GET", "/v1/status");
+    EXPECT_EQ(status.status, 200);
+    EXPECT_NE(status.body.find("\"generation\":0,"), std::string::npos);
+    EXPECT_NE(status.body.find("\"sha256\":null"), std::string::npos);
 }
 
 TEST(ServeOpenApi, ListsEveryRouteAndNoOther) {

@@ -94,7 +94,7 @@ class Server:
     """A `tov serve` process on a free loopback port."""
 
     def __init__(self, *arguments, rules=RULES, data_model=DATA_MODEL, environment=None,
-                 listen="127.0.0.1:0"):
+                 listen="127.0.0.1:0", wait_until_serving=True):
         # None leaves an option to the arguments.
         documents = [] if rules is None else ["--rules", str(rules), "--dm", str(data_model)]
         address = [] if listen is None else ["--listen", listen]
@@ -118,13 +118,17 @@ class Server:
                                      % (first, self.stderr_text()))
             self.url = match.group(1)
             self.port = int(match.group(2))
-            served = self.wait_for_line(
-                lambda line: " serves, with " in line, START_SECONDS, or_exit=True)
-            if served is None:
-                raise AssertionError("the server did not start serving: %r" % self.stderr_text())
+            if wait_until_serving:
+                self.wait_until_serving()
         except BaseException:
             self.kill()
             raise
+
+    def wait_until_serving(self):
+        served = self.wait_for_line(
+            lambda line: " serves, with " in line, START_SECONDS, or_exit=True)
+        if served is None:
+            raise AssertionError("the server did not start serving: %r" % self.stderr_text())
 
     def _read_stderr(self):
         for raw in self.process.stderr:

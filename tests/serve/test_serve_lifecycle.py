@@ -60,6 +60,33 @@ def test_documents_that_do_not_load_end_the_start_with_their_faults(tmp_path, br
     assert lines[1:] == faults
 
 
+def test_while_the_documents_load_it_lives_and_is_not_ready(tmp_path):
+    # Rules enough that their load takes a while after the listening line.
+    rule = {"attribute": "Status", "fromValue": "In Work", "toValue": ["In Work", "Released"]}
+    rules = tmp_path / "rules.json"
+    rules.write_text(json.dumps({"transitions": {"Type%d" % n: [rule] * 20
+                                                 for n in range(15000)}}))
+    seen = {"health": set(), "ready": set(), "edit": set()}
+    server = Server(rules=rules, wait_until_serving=False)
+    with server:
+        while True:
+            ready = server.get("/ready")
+            seen["ready"].add((ready.status, ready.body))
+            seen["health"].add((server.get("/health").status))
+            if ready.status == 200:
+                break
+            answer = server.post("/v1/evaluate/edit", EDIT)
+            seen["edit"].add((answer.status, answer.body))
+        server.wait_until_serving()
+    not_loaded = (503, b'{"error":"the documents are not loaded yet"}\n')
+    assert seen["health"] == {200}
+    assert seen["ready"] == {not_loaded, (200, b'{"status":"ready","generation":1}\n')}
+    # Asked while /ready said 503, an evaluation is refused the same way,
+    # unless the load ended in between.
+    assert not_loaded in seen["edit"]
+    assert all(answer == not_loaded or answer[0] == 200 for answer in seen["edit"])
+
+
 @pytest.mark.parametrize("arguments,message", [
     (("--listen", "localhost"), 'tov: --listen takes HOST:PORT, such as 127.0.0.1:8480 or '
                                 '[::1]:8480, not "localhost"'),

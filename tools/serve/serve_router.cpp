@@ -145,26 +145,28 @@ struct BatchAnswers {
 struct ServeRouter::Route {
     std::string_view path;  // exact, or the prefix of /v1/evaluate/{kind}
     std::string_view method;
-    bool open;                                   // answered without the token, for probes
+    bool open;            // answered without the token, for probes
+    bool needsDocuments;  // answered from the documents, so 503 until they load
     std::vector<std::string_view> contentTypes;  // accepted bodies of a POST
     HttpResponse (ServeRouter::*handler)(HttpRequest&);
 };
 
 const std::vector<ServeRouter::Route>& ServeRouter::routeTable() {
     static const std::vector<Route> table = {
-        {kEvaluatePrefix, "POST", false, {"application/json"}, &ServeRouter::evaluate},
+        {kEvaluatePrefix, "POST", false, true, {"application/json"}, &ServeRouter::evaluate},
         {"/v1/batch",
          "POST",
          false,
+         true,
          {"application/json", "application/x-ndjson", "application/jsonl"},
          &ServeRouter::batch},
-        {"/v1/rules", "GET", false, {}, &ServeRouter::rules},
-        {"/v1/graph", "GET", false, {}, &ServeRouter::graph},
-        {"/v1/status", "GET", false, {}, &ServeRouter::status},
-        {"/health", "GET", true, {}, &ServeRouter::health},
-        {"/ready", "GET", true, {}, &ServeRouter::ready},
-        {"/metrics", "GET", false, {}, &ServeRouter::metrics},
-        {"/openapi.json", "GET", false, {}, &ServeRouter::openApi},
+        {"/v1/rules", "GET", false, true, {}, &ServeRouter::rules},
+        {"/v1/graph", "GET", false, true, {}, &ServeRouter::graph},
+        {"/v1/status", "GET", false, false, {}, &ServeRouter::status},
+        {"/health", "GET", true, false, {}, &ServeRouter::health},
+        {"/ready", "GET", true, false, {}, &ServeRouter::ready},
+        {"/metrics", "GET", false, false, {}, &ServeRouter::metrics},
+        {"/openapi.json", "GET", false, false, {}, &ServeRouter::openApi},
     };
     return table;
 }
@@ -242,6 +244,9 @@ HttpResponse ServeRouter::respond(HttpRequest request) {
         if (route.path == kEvaluatePrefix
                 ? path.substr(0, kEvaluatePrefix.size()) == kEvaluatePrefix
                 : path == route.path) {
+            if (route.needsDocuments && service.served()->generation->number() == 0) {
+                return errorResponse(503, "the documents are not loaded yet");
+            }
             try {
                 return (this->*route.handler)(request);
             } catch (const std::bad_alloc&) {
@@ -307,9 +312,6 @@ HttpResponse ServeRouter::graph(HttpRequest& request) {
                                       "\" is unknown; ask for dot (the default) or mermaid");
     }
     const std::shared_ptr<const Served> served = service.served();
-    if (served->rulesText == nullptr) {
-        return errorResponse(503, "the documents are not loaded yet");
-    }
     const TOV_DMStructure& dataModel = served->generation->dataModel();
     if (!tovcli::describesObjectType(dataModel, *type)) {
         return errorResponse(404, "the data model " + served->dataModel.path +
