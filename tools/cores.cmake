@@ -53,6 +53,9 @@ if(NOT TARGET tov_program_core)
   )
   target_include_directories(tov_serve_core PUBLIC ${tov_tools}/serve)
   target_compile_definitions(tov_serve_core PRIVATE TOV_PROGRAM_VERSION="${PROJECT_VERSION}")
-  target_link_libraries(tov_serve_core PUBLIC tov_program_core tov_http_core)
+  # The documents' SHA-256 for /v1/status comes from OpenSSL's libcrypto.
+  find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+  target_link_libraries(tov_serve_core PUBLIC tov_program_core tov_http_core
+    PRIVATE OpenSSL::Crypto)
   tov_set_warnings(tov_serve_core)
 endif()
