@@ -4,7 +4,8 @@
 # lifecycle of a Part's Status as SVG; the test target runs the whole suite.
 # `make tsan` runs the thread test under ThreadSanitizer; `make fuzz` runs
 # every fuzz target for FUZZ_SECONDS.
-# `make bench` runs the benchmark with the ratios that tell how costs scale.
+# `make bench` runs the benchmark with the ratios that tell how costs scale,
+# then `make bench-serve`: tov serve over HTTP against nginx's floor.
 PRESET ?= default
 BUILD_DIR := build/$(PRESET)
 # The test programs that `make unit` runs directly, relative to the build folder.
@@ -15,7 +16,7 @@ SANITIZER_ENV := ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
 
 FUZZ_SECONDS ?= 60
 
-.PHONY: all deps configure build demo test unit sanitize format lint tsan fuzz bench clean
+.PHONY: all deps configure build demo test unit sanitize format lint tsan fuzz bench bench-serve clean
 
 all: build
 
@@ -28,7 +29,10 @@ configure: deps
 build: configure
 	cmake --build --preset $(PRESET)
 
-demo: build
+# The demo builds only the program it runs, and Graphviz is among the packages
+# installed, so its picture is always drawn.
+demo: configure
+	cmake --build --preset $(PRESET) --target tov_program
 	python3 scripts/demo.py --tov $(BUILD_DIR)/tools/tov
 	@if command -v dot >/dev/null; then \
 	  $(BUILD_DIR)/tools/tov graph --rules examples/rules.json --dm examples/datamodel.json \
@@ -52,6 +56,14 @@ unit: build
 bench:
 	$(MAKE) build PRESET=default
 	python3 bench/ratios.py --build-dir build/default
+	$(MAKE) bench-serve
+
+# tov serve's requests per second and latency with wrk, beside nginx answering
+# a fixed body on the same machine (SERVE_BENCH_SECONDS per run).
+SERVE_BENCH_SECONDS ?= 10
+bench-serve:
+	$(MAKE) build PRESET=default
+	python3 bench/serve_bench.py --build-dir build/default --duration $(SERVE_BENCH_SECONDS)
 
 sanitize:
 	$(MAKE) test PRESET=sanitize
@@ -73,7 +85,7 @@ lint: deps
 	cmake --preset default
 	clang-format --dry-run -Werror $$(git ls-files '*.h' '*.cpp' '*.c')
 	python3 scripts/check_layers.py
-	run-clang-tidy -p build/default -quiet -j $$(nproc) '/(src|tools|tests|bench|java)/' > build/clang-tidy.log 2>&1 \
+	run-clang-tidy -p build/default -quiet -j $$(nproc) '^$(CURDIR)/(src|tools|tests|bench|java)/' > build/clang-tidy.log 2>&1 \
 		|| { grep -E 'error:|warning:' build/clang-tidy.log | sort -u; exit 1; }
 	@echo "clang-tidy: clean"
 

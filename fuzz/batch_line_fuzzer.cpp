@@ -66,6 +66,7 @@ void checkAnswer(const tovcli::BatchAnswer& answer, OutputFormat format) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string input = tovfuzz::asText(data, size);
+    static const tovcli::RequestJudge judge = tovcli::judgeWithCoreData(tovfuzz::exampleCoreData());
     std::size_t lineNumber = 0;
     std::size_t start = 0;
     while (start <= input.size()) {
@@ -73,9 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string line = input.substr(start, end - start);
         ++lineNumber;
         for (const OutputFormat format : {OutputFormat::kText, OutputFormat::kJson}) {
-            checkAnswer(
-                tovcli::answerBatchLine(line, lineNumber, tovfuzz::exampleCoreData(), format),
-                format);
+            checkAnswer(tovcli::answerBatchLine(line, lineNumber, judge, format), format);
         }
         start = end + 1;
     }

@@ -16,7 +16,8 @@ namespace {
 // A word as a JSON string, so that an inserted one is a whole token.
 void printToken(const std::string& word, std::set<std::string>& printed) {
     if (printed.insert(word).second) {
-        std::cout << R"("\")" << word << R"(\"")" << "\n";
+        std::cout << R"("\")" << word << R"(\"")"
+                  << "\n";
     }
 }
 

@@ -5,7 +5,8 @@ set -eu
 
 PACKAGES="cmake ninja-build g++ clang clang-format clang-tidy pkg-config rapidjson-dev libgtest-dev \
 libgmock-dev libbenchmark-dev libcli11-dev libclang-rt-14-dev python3 python3-jsonschema \
-python3-pytest python3-pip python3-setuptools python3-wheel openjdk-17-jdk-headless junit5"
+python3-pytest python3-pip python3-setuptools python3-wheel openjdk-17-jdk-headless junit5 \
+libboost-dev nginx wrk python3-prometheus-client python3-yaml libssl-dev graphviz"
 
 missing=""
 for package in $PACKAGES; do

@@ -184,8 +184,9 @@ void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& 
     try {
         TOVCoreDataControllers core;
         core.borrowData(loaded);
+        const RequestJudge judge = judgeWithCoreData(&core);
         while (std::optional<Line> line = pipeline.pop()) {
-            BatchAnswer answer = answerBatchLine(line->text, line->index + 1, &core, format);
+            BatchAnswer answer = answerBatchLine(line->text, line->index + 1, judge, format);
             pipeline.deliver(*line, std::move(answer.text), answer.wasRequest);
         }
     } catch (...) {
@@ -224,8 +225,8 @@ private:
     std::vector<std::thread> threads;
 };
 
-// Reads lines of any length up to a limit, each without its line end ("\n"
-// or "\r\n").
+// Reads lines of any length up to a limit, each without its "\n";
+// trimBatchLine then takes off the rest of a line end.
 class LineReader {
 public:
     LineReader(std::FILE* input, std::uint64_t maxLength) : input(input), maxLength(maxLength) {}
@@ -255,9 +256,6 @@ public:
                 return kEnd;
             }
         }
-        if (!text.empty() && text.back() == '\r') {
-            text.pop_back();
-        }
         return kLine;
     }
 
@@ -285,9 +283,7 @@ std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipe
             return "line " + std::to_string(index + 1) + " of " +
                    tooLarge(options.requestsPath, "requests", options.documents.maxInputSize);
         }
-        if (index == 0 && text.compare(0, 3, "\xEF\xBB\xBF") == 0) {
-            text.erase(0, 3);  // a byte order mark that some editors write
-        }
+        trimBatchLine(text, index == 0);
         if (!pipeline.push({index++, std::move(text), bytes})) {
             return {};  // the work was given up; the failure tells why
         }

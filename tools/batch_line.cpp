@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include "request_kinds.h"
-
 namespace tovcli {
 
 namespace {
@@ -40,7 +38,7 @@ bool isBlank(const std::string& line) {
 }  // namespace
 
 BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
-                            TOVCoreDataControllers* core, OutputFormat format) {
+                            const RequestJudge& judge, OutputFormat format) {
     if (isBlank(line)) {
         return errorAnswer(lineNumber, "empty line", nullptr, format);
     }
@@ -84,7 +82,7 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     JsonWriter requestWriter(requestText);
     writeValue(requestWriter, request->value);
     const TOVResponse response =
-        requestKind->evaluate(std::string(requestText.GetString(), requestText.GetSize()), core);
+        judge(*requestKind, std::string(requestText.GetString(), requestText.GetSize()));
     if (format == OutputFormat::kText) {
         return {response.turnResponseIntoASingleString(), true};
     }
@@ -94,6 +92,33 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     writeResponseMembers(writer, response);
     writer.EndObject();
     return {{buffer.GetString(), buffer.GetSize()}, true};
+}
+
+void trimBatchLine(std::string& line, bool firstLine) {
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    if (firstLine && line.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+        line.erase(0, 3);
+    }
+}
+
+bool cutBatchLine(const std::string& input, std::size_t& position, std::string& line) {
+    if (position >= input.size()) {
+        return false;
+    }
+    const bool firstLine = position == 0;
+    const std::size_t end = std::min(input.find('\n', position), input.size());
+    line.assign(input, position, end - position);
+    position = end + 1;
+    trimBatchLine(line, firstLine);
+    return true;
+}
+
+RequestJudge judgeWithCoreData(TOVCoreDataControllers* core) {
+    return [core](const RequestKind& kind, const std::string& request) {
+        return kind.evaluate(request, core);
+    };
 }
 
 }  // namespace tovcli

@@ -4,12 +4,22 @@
 #define TOV_TOOLS_BATCH_LINE_H_
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "json_output.h"
-#include "tov/TOVCoreDataControllers.h"
+#include "request_kinds.h"
+#include "tov/TOVResponse.h"
+
+class TOVCoreDataControllers;
 
 namespace tovcli {
+
+// Judges one request of a kind. The caller decides by which documents: tov
+// batch by its loaded core data, the service by the one generation that
+// answers the whole batch.
+using RequestJudge =
+    std::function<TOVResponse(const RequestKind& kind, const std::string& request)>;
 
 struct BatchAnswer {
     std::string text;  // one line of JSON, without its line end
@@ -17,12 +27,26 @@ struct BatchAnswer {
 };
 
 // Answers `line` (without its line end), the `lineNumber`th of the input,
-// counted from 1, with the documents loaded in `core`. In text form a request
+// counted from 1, through `judge`. In text form a request
 // gets the response's single-string form; in JSON form the object of
 // responseAsJson, led by the line's "id" when it has one. A line that is no
 // request gets {"line": N, "error": "..."} (with its "id" in JSON form).
 BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
-                            TOVCoreDataControllers* core, OutputFormat format);
+                            const RequestJudge& judge, OutputFormat format);
+
+// Makes a line as read (without its "\n") what is answered: drops a "\r"
+// before the line end and, on the first line, a byte order mark that some
+// editors write.
+void trimBatchLine(std::string& line, bool firstLine);
+
+// The next line of requests held whole in `input`, from `position`, which it
+// moves past the line end; trimmed as above. Text after the last "\n" is a
+// line of its own, and an input that ends with "\n" has no empty line after
+// it. False at the end of the input.
+bool cutBatchLine(const std::string& input, std::size_t& position, std::string& line);
+
+// A judge that asks the library's request functions with `core`.
+RequestJudge judgeWithCoreData(TOVCoreDataControllers* core);
 
 }  // namespace tovcli
 

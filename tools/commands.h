@@ -26,6 +26,7 @@ Command addEvalCommand(CLI::App& program);
 Command addBatchCommand(CLI::App& program);
 Command addTestCommand(CLI::App& program);
 Command addGraphCommand(CLI::App& program);
+Command addServeCommand(CLI::App& program);
 
 // What check, explain, eval and batch all take: the documents, --log and --format.
 struct DocumentCommandOptions {

@@ -186,6 +186,43 @@ TOVResponse initializeFromDocument(const Document& document, PrivateCore& core) 
                  : InitializeTOV_DMInfoFromFile(document.path, core.get());
 }
 
+bool findingsOfLoad(const Document& document, const TOVResponse& response,
+                    const std::string& printed, std::uint64_t maxInputSize,
+                    std::vector<Finding>& findings) {
+    std::vector<std::pair<std::string, int>> notices;
+    std::cerr << takeOutNotices(printed, notices);
+
+    const std::string comment = response.getGeneralResultComment();
+    const bool loaded = response.getGeneralResult();
+    if (loaded) {
+        findings.push_back({Finding::kLoaded, document.path, {}, {}, comment});
+    } else {
+        std::vector<std::string> faults = splitFaults(comment);
+        // Text that is no JSON object, or no text, has no sections to tell.
+        const bool unusable = faults.size() == 1 && (faults.front() == kFundamentalParsingError ||
+                                                     faults.front() == kInsufficientInputData);
+        std::vector<std::string> sections = unusable ? std::vector<std::string>(faults.size())
+                                                     : sectionsOfFaults(document, faults.size());
+        for (std::size_t i = 0; i < faults.size(); ++i) {
+            findings.push_back(
+                {Finding::kFault, document.path, std::move(sections[i]), {}, std::move(faults[i])});
+            if (unusable) {
+                explainUnusableText(document, maxInputSize, findings);
+            }
+        }
+    }
+    for (const auto& notice : notices) {
+        std::string message = notice.first;
+        if (notice.second > 1) {
+            message += " (" + std::to_string(notice.second) + " times)";
+        }
+        Finding note = noteOn(document, std::move(message));
+        note.section = GetTOVRuleKinds()[TOVRuleKind_Transition].section;
+        findings.push_back(std::move(note));
+    }
+    return loaded;
+}
+
 bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
                    std::uint64_t maxInputSize, std::vector<Finding>& findings) {
     bool allLoaded = true;
@@ -193,42 +230,8 @@ bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
         StdoutCapture capture;
         const TOVResponse response = initializeFromDocument(document, core);
         const std::string printed = capture.finish();
-
-        std::vector<std::pair<std::string, int>> notices;
-        std::cerr << takeOutNotices(printed, notices);
-
-        const std::string comment = response.getGeneralResultComment();
-        if (response.getGeneralResult()) {
-            findings.push_back({Finding::kLoaded, document.path, {}, {}, comment});
-        } else {
+        if (!findingsOfLoad(document, response, printed, maxInputSize, findings)) {
             allLoaded = false;
-            std::vector<std::string> faults = splitFaults(comment);
-            // Text that is no JSON object, or no text, has no sections to tell.
-            const bool unusable =
-                faults.size() == 1 && (faults.front() == kFundamentalParsingError ||
-                                       faults.front() == kInsufficientInputData);
-            std::vector<std::string> sections = unusable
-                                                    ? std::vector<std::string>(faults.size())
-                                                    : sectionsOfFaults(document, faults.size());
-            for (std::size_t i = 0; i < faults.size(); ++i) {
-                findings.push_back({Finding::kFault,
-                                    document.path,
-                                    std::move(sections[i]),
-                                    {},
-                                    std::move(faults[i])});
-                if (unusable) {
-                    explainUnusableText(document, maxInputSize, findings);
-                }
-            }
-        }
-        for (const auto& notice : notices) {
-            std::string message = notice.first;
-            if (notice.second > 1) {
-                message += " (" + std::to_string(notice.second) + " times)";
-            }
-            Finding note = noteOn(document, std::move(message));
-            note.section = GetTOVRuleKinds()[TOVRuleKind_Transition].section;
-            findings.push_back(std::move(note));
         }
     }
     return allLoaded;

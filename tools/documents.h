@@ -62,11 +62,18 @@ std::unique_ptr<PrivateCore> loadCommandDocuments(const std::string& logOption,
 // Loads one document into `core`, as the library reads a file.
 TOVResponse initializeFromDocument(const Document& document, PrivateCore& core);
 
+// Tells the outcome of one document's load as findings: what the library
+// printed about it (`printed`, its output during the load), its faults one by
+// one (the comment split at "|") with a note of where a text that is no JSON
+// goes wrong, and one note per kind of notice the library printed; the rest of
+// `printed` (the console log, if any) goes to standard error. True when it
+// loaded.
+bool findingsOfLoad(const Document& document, const TOVResponse& response,
+                    const std::string& printed, std::uint64_t maxInputSize,
+                    std::vector<Finding>& findings);
+
 // Loads every document in order (the data model first) and tells each outcome
-// as findings: what the library printed about it, its faults one by one (the
-// comment split at "|") with a note of where a text that is no JSON goes
-// wrong, and one note per kind of notice the library printed. The library's
-// console log goes to standard error. True when all loaded.
+// as findingsOfLoad does. True when all loaded.
 bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
                    std::uint64_t maxInputSize, std::vector<Finding>& findings);
 

@@ -1,5 +1,4 @@
 // tov graph: the lifecycle of one attribute as a state diagram.
-#include <algorithm>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -11,8 +10,6 @@
 namespace tovcli {
 
 namespace {
-
-enum class GraphFormat { kDot, kMermaid };
 
 struct GraphOptions {
     DocumentPaths documents;
@@ -33,13 +30,7 @@ int runGraph(const GraphOptions& options) {
     }
     const TOV_DMStructure& dataModel = core->dataModel();
     if (!options.documents.dataModelPath.empty()) {
-        const auto& objects = dataModel.getAllStructureObjects();
-        const bool described =
-            std::any_of(objects.begin(), objects.end(), [&](const TOV_DMStructureObject& object) {
-                return dataModel.areObjectTypesThatShouldBeConsideredEqual(object.getName(),
-                                                                           options.objectType);
-            });
-        if (!described) {
+        if (!describesObjectType(dataModel, options.objectType)) {
             std::cerr << "tov: the data model " << options.documents.dataModelPath
                       << " describes no object type " << options.objectType << "\n";
             return kExitUsageOrInput;
@@ -59,11 +50,7 @@ int runGraph(const GraphOptions& options) {
                   << options.attribute << " for " << options.objectType << "\n";
         return kExitFailure;
     }
-    if (options.format == GraphFormat::kMermaid) {
-        writeMermaid(graph, std::cout);
-    } else {
-        writeDot(graph, std::cout);
-    }
+    writeGraph(graph, options.format, std::cout);
     return kExitSuccess;
 }
 

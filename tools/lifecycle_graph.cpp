@@ -106,6 +106,13 @@ std::string joined(const std::vector<std::string>& labels, const char* separator
 
 }  // namespace
 
+bool describesObjectType(const TOV_DMStructure& dataModel, const std::string& objectType) {
+    const auto& objects = dataModel.getAllStructureObjects();
+    return std::any_of(objects.begin(), objects.end(), [&](const TOV_DMStructureObject& object) {
+        return dataModel.areObjectTypesThatShouldBeConsideredEqual(object.getName(), objectType);
+    });
+}
+
 LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::string& objectType,
                                    const std::string& attribute, const TOV_DMStructure& dataModel) {
     LifecycleGraph graph{objectType, attribute, {}, {}, {}};
@@ -225,6 +232,14 @@ void writeMermaid(const LifecycleGraph& graph, std::ostream& out) {
     }
     for (const std::string& value : graph.deadEnds) {
         out << "    " << idOf(value) << " --> [*]\n";
+    }
+}
+
+void writeGraph(const LifecycleGraph& graph, GraphFormat format, std::ostream& out) {
+    if (format == GraphFormat::kMermaid) {
+        writeMermaid(graph, out);
+    } else {
+        writeDot(graph, out);
     }
 }
 

@@ -26,6 +26,12 @@ struct LifecycleGraph {
     std::vector<std::string> deadEnds;  // values with no way out
 };
 
+enum class GraphFormat { kDot, kMermaid };
+
+// True when the data model describes `objectType`, matched as evaluations
+// match object types (case ignored).
+bool describesObjectType(const TOV_DMStructure& dataModel, const std::string& objectType);
+
 // Builds the graph from a rules document that loaded: the transition rules of
 // `attribute` for `objectType` (matched as the rule store matches: case
 // ignored, "ALL" and "Library_Item" understood through `dataModel`), labelled
@@ -39,6 +45,9 @@ void writeDot(const LifecycleGraph& graph, std::ostream& out);
 
 // Mermaid: a stateDiagram-v2, values with no way out leading to the end state.
 void writeMermaid(const LifecycleGraph& graph, std::ostream& out);
+
+// writeDot or writeMermaid.
+void writeGraph(const LifecycleGraph& graph, GraphFormat format, std::ostream& out);
 
 }  // namespace tovcli
 

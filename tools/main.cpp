@@ -49,12 +49,14 @@ int runProgram(int argc, char** argv) {
     program.footer(tovcli::helpText({
         "A rules author's day: write the documents, 'tov check --strict' them, draw an "
         "attribute's lifecycle with 'tov graph', keep cases in a suite for 'tov test', and "
-        "read the rules back in words with 'tov explain'.",
+        "read the rules back in words with 'tov explain'. 'tov serve' answers hosts on other "
+        "machines over HTTP.",
         "Exit statuses: 0 success; 1 a document did not load or --strict found something "
         "(check, explain), a request failed (eval), a line was no request (batch), a case "
         "failed (test) or nothing was drawn (graph); 2 bad arguments, unreadable or too "
-        "large input, or documents that do not load (eval, batch, test, graph); 3 a failed "
-        "edit that asks for more data (eval).",
+        "large input, or documents that do not load (eval, batch, test, graph, serve); 3 a "
+        "failed edit that asks for more data (eval). serve ends with 0 once stopped by "
+        "SIGTERM or SIGINT.",
         "Run 'tov COMMAND --help' for the options of a command.",
     }));
 
@@ -62,6 +64,7 @@ int runProgram(int argc, char** argv) {
         tovcli::addCheckCommand(program), tovcli::addExplainCommand(program),
         tovcli::addEvalCommand(program),  tovcli::addBatchCommand(program),
         tovcli::addTestCommand(program),  tovcli::addGraphCommand(program),
+        tovcli::addServeCommand(program),
     };
     if (isUnknownCommand(argc, argv, commands)) {
         return tovcli::kExitUsageOrInput;

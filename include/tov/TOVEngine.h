@@ -119,6 +119,7 @@ public:
 private:
     struct State;
 
+    TOVResponse answer(const std::string& kind, const std::string& input, bool inputIsFilePath);
     // Loads one document ("rules" or "datamodel") into a new store beside the
     // current generation's other parts, hands the answer on, then publishes.
     void load(const std::string& kind, const std::string& input, bool inputIsFilePath,

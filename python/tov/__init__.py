@@ -10,16 +10,21 @@
             ...  # fetch those objects, add the sections, evaluate again
 
 The package calls libtov through its C interface (tov/tov_c.h) with ctypes.
+tov.Client("http://127.0.0.1:8480") asks a `tov serve` service instead, with
+the same evaluate() and the same answers.
 """
 
+from ._client import Client, ServiceError
 from ._engine import Document, Engine
 from ._library import library as _library
 from ._texts import (missing_sections, parse_list, parse_map, selected_versioning_attributes,
                      trigger_initialization)
 
 __all__ = [
+    "Client",
     "Document",
     "Engine",
+    "ServiceError",
     "missing_sections",
     "parse_list",
     "parse_map",

@@ -494,6 +494,7 @@ class Completion(unittest.TestCase):
     def test_it_completes_the_commands(self):
         self.assertEqual(self.complete("tov", "ch"), ["check"])
         self.assertEqual(self.complete("tov", "t"), ["test"])
+        self.assertEqual(self.complete("tov", "se"), ["serve"])
         self.assertEqual(self.complete("tov", "e"), ["explain", "eval"])
 
     def test_it_completes_options_kinds_and_formats(self):
@@ -502,6 +503,9 @@ class Completion(unittest.TestCase):
                          ["save", "save-before-resolution"])
         self.assertEqual(self.complete("tov", "graph", "--format", "m"), ["mermaid"])
         self.assertEqual(self.complete("tov", "test", "--format", "j"), ["json", "junit"])
+        self.assertEqual(self.complete("tov", "serve", "--wa"), ["--watch"])
+        self.assertEqual(self.complete("tov", "serve", "--listen", "127"), ["127.0.0.1:8480"])
+        self.assertEqual(self.complete("tov", "serve", "--grace", ""), [])
 
 
 if __name__ == "__main__":

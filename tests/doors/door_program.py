@@ -4,14 +4,19 @@ lines for a corpus (see corpus.py):
 
     door_program.py eval TOV CORPUS ANSWERS    tov eval once per case of the sample
     door_program.py batch TOV CORPUS ANSWERS   tov batch once per group that loads
+    door_program.py serve TOV CORPUS ANSWERS   tov serve once per group that loads
 
 tov eval costs a process start per case, so it runs the seeded sample that the
 corpus marks, two processes at a time; tov batch takes each group's requests
-as JSON Lines, each line carrying the request's text as it stands.
+as JSON Lines, each line carrying the request's text as it stands; tov serve
+takes each request's text as it stands as the body of an HTTP request, on one
+kept-alive loopback connection per group.
 """
 
 import concurrent.futures
+import http.client
 import os
+import re
 import pathlib
 import subprocess
 import sys
@@ -78,12 +83,68 @@ def run_batch(tov, corpus, out):
                 out.write(case.name.encode("utf-8") + b"\t" + text + b"\n")
 
 
+def serving(tov, corpus, group):
+    """A tov serve of the group's documents on a free loopback port: (process, port)."""
+    environment = dict(os.environ)
+    environment.pop("LD_PRELOAD", None)  # a sanitized program links its own runtime
+    process = subprocess.Popen([tov, "serve", *documents(corpus, group), "--listen",
+                                "127.0.0.1:0", "--threads", "1"], stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, env=environment)
+    told = [process.stderr.readline().decode("utf-8", "replace")]
+    listening = re.match(r"tov serve: listening on http://127\.0\.0\.1:(\d+)$", told[0].strip())
+    # Notes about the documents may come before the line that it serves.
+    while listening is not None and told[-1] and " serves, with " not in told[-1]:
+        told.append(process.stderr.readline().decode("utf-8", "replace"))
+    if listening is None or not told[-1]:
+        stop(process)
+        raise RuntimeError("tov serve did not start for %s: %s" % (group.name, "".join(told)))
+    return process, int(listening.group(1))
+
+
+def stop(process):
+    process.terminate()
+    try:
+        process.wait(timeout=60)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.wait()
+    process.stderr.close()
+
+
+def run_serve(tov, corpus, out):
+    for group in read_manifest(corpus):
+        if not group.loads:
+            continue
+        process, port = serving(tov, corpus, group)
+        connection = http.client.HTTPConnection("127.0.0.1", port, timeout=120)
+        try:
+            for case in group.cases:
+                connection.request("POST", "/v1/evaluate/" + case.kind,
+                                   body=(corpus / case.request).read_bytes(),
+                                   headers={"Content-Type": "application/json"})
+                answer = connection.getresponse()
+                text = answer.read()
+                if answer.status != 200 or not text.endswith(b"\n"):
+                    raise RuntimeError("tov serve answered %s to %s: %r"
+                                       % (answer.status, case.name, text))
+                out.write(case.name.encode("utf-8") + b"\t" + text[:-1] + b"\n")
+        finally:
+            connection.close()
+            stop(process)
+        if process.returncode != 0:
+            raise RuntimeError("tov serve for %s stopped with %d" % (group.name,
+                                                                   process.returncode))
+
+
+RUNNERS = {"eval": run_eval, "batch": run_batch, "serve": run_serve}
+
+
 def main(arguments):
-    if len(arguments) != 4 or arguments[0] not in ("eval", "batch"):
-        sys.exit("usage: door_program.py eval|batch TOV CORPUS ANSWERS")
+    if len(arguments) != 4 or arguments[0] not in RUNNERS:
+        sys.exit("usage: door_program.py eval|batch|serve TOV CORPUS ANSWERS")
     way, tov, corpus, answers = arguments
     with open(answers, "wb") as out:
-        (run_eval if way == "eval" else run_batch)(tov, pathlib.Path(corpus), out)
+        RUNNERS[way](tov, pathlib.Path(corpus), out)
 
 
 if __name__ == "__main__":

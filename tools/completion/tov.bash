@@ -6,7 +6,7 @@ _tov() {
     previous=${COMP_WORDS[COMP_CWORD-1]}
     command=${COMP_WORDS[1]}
 
-    local commands="check explain eval batch test graph"
+    local commands="check explain eval batch test graph serve"
     if [[ $COMP_CWORD -eq 1 ]]; then
         COMPREPLY=($(compgen -W "$commands --help --version" -- "$current"))
         return
@@ -29,7 +29,17 @@ _tov() {
             COMPREPLY=($(compgen -f -X '!*.json' -- "$current") $(compgen -d -- "$current"))
             return
             ;;
-        --jobs | -j | --max-input-size | --type | --attribute)
+        --token-file | --decision-log)
+            COMPREPLY=($(compgen -f -- "$current"))
+            return
+            ;;
+        --listen)
+            COMPREPLY=($(compgen -W "127.0.0.1:8480 0.0.0.0:8480 [::1]:8480" -- "$current"))
+            return
+            ;;
+        --jobs | -j | --max-input-size | --type | --attribute | --threads | --max-body-size | \
+            --max-header-size | --max-connections | --read-timeout | --write-timeout | \
+            --idle-timeout | --grace | --allow-host)
             return
             ;;
     esac
@@ -43,6 +53,9 @@ _tov() {
         batch) options="--rules --dm --jobs --format $common" ;;
         test) options="--verbose --format $common" ;;
         graph) options="--rules --dm --type --attribute --format $common" ;;
+        serve) options="--rules --dm --listen --threads --watch --token-file --allow-host
+            --decision-log --grace --max-body-size --max-header-size --max-connections
+            --read-timeout --write-timeout --idle-timeout $common" ;;
     esac
     if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))

@@ -296,6 +296,37 @@ class EngineTest {
         assertEquals("cannot log to folder " + plain, error.getCause().getMessage());
     }
 
+    @Test
+    void changesWhereItLogsAndKeepsTheOldPlaceWhenTheNewOneIsUnusable() throws IOException {
+        Path folder = temporary.resolve("later");
+        Path plain = Files.writeString(temporary.resolve("plain"), "not a folder");
+        try (Engine engine = new Engine()) {
+            engine.setLog(folder.toString());
+            UncheckedIOException error =
+                    assertThrows(UncheckedIOException.class, () -> engine.setLog(plain.toString()));
+            assertEquals("cannot log to folder " + plain, error.getCause().getMessage());
+            engine.evaluate("edit", RELEASE);
+            engine.setLog("off");
+            engine.evaluate("edit", RELEASE);
+            expectNull("log must not be null", () -> engine.setLog(null));
+        }
+        List<Path> files;
+        try (Stream<Path> listed = Files.list(folder)) {
+            files = listed.collect(Collectors.toList());
+        }
+        assertEquals(1, files.size());
+        String logged = Files.readString(files.get(0), StandardCharsets.UTF_8);
+        assertEquals(1, logged.split("Evaluating Edit attempt result=", -1).length - 1);
+    }
+
+    @Test
+    void aClosedEngineTakesNoLogSetting() {
+        Engine engine = new Engine();
+        engine.close();
+        assertEquals("the engine is closed",
+                assertThrows(IllegalStateException.class, () -> engine.setLog("off")).getMessage());
+    }
+
     private static Engine.NativeEngine unreachableEngine() {
         return new Engine().nativeEngine();
     }

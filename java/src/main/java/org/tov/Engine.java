@@ -62,7 +62,6 @@ public final class Engine implements AutoCloseable {
      */
     public Engine(String log) {
         Objects.requireNonNull(log, "log must not be null");
-        byte[] where = Utf8.encode(log, "the log setting");
         long address = NativeCalls.engineNew();
         if (address == 0) {
             throw new OutOfMemoryError("tov could not create an engine");
@@ -72,11 +71,41 @@ public final class Engine implements AutoCloseable {
         if (log.isEmpty()) {
             return; // a new engine logs nowhere already
         }
-        int status = NativeCalls.setLog(address, where);
+        try {
+            setLog(log);
+        } catch (RuntimeException | Error refused) {
+            cleanable.clean();
+            throw refused;
+        }
+    }
+
+    /**
+     * Changes where the calls from now on log; safe while other threads
+     * evaluate or load.
+     *
+     * @param log as for {@link #Engine(String)}
+     * @throws UncheckedIOException when the folder cannot be created or is no
+     *     folder; the engine then logs where it did before
+     */
+    public void setLog(String log) {
+        Objects.requireNonNull(log, "log must not be null");
+        byte[] where = Utf8.encode(log, "the log setting");
+        int status;
+        Lock shared = lock.readLock();
+        shared.lock();
+        try {
+            long address = engine.address;
+            if (address == 0) {
+                throw new IllegalStateException("the engine is closed");
+            }
+            status = NativeCalls.setLog(address, where);
+        } finally {
+            shared.unlock();
+            Reference.reachabilityFence(this);
+        }
         if (status == NativeCalls.LOG_OK) {
             return;
         }
-        cleanable.clean();
         if (status == NativeCalls.LOG_UNUSABLE_FOLDER) {
             throw new UncheckedIOException(new IOException("cannot log to folder " + log));
         }
