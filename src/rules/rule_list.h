@@ -134,9 +134,10 @@ public:
             Access::appendSortKey(rule, keys);
             ends.push_back(keys.size());
         }
+        // Offsets come from `ends`, so they are in range and need no check.
         const auto keyOf = [&keys, &ends](std::size_t position) {
             const std::size_t begin = position == 0 ? 0 : ends[position - 1];
-            return std::string_view(keys).substr(begin, ends[position] - begin);
+            return std::string_view(keys.data() + begin, ends[position] - begin);
         };
         std::vector<std::size_t> order(stored.size());
         for (std::size_t i = 0; i < order.size(); ++i) {
