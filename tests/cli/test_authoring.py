@@ -200,18 +200,25 @@ GRAPH_RULES = dict(RULES, transitionsFreeze={"Part": [
 GRAPH_RULES["transitions"] = {"ALL": RULES["transitions"]["Part"] + [
     {"attribute": "Status", "fromValue": "Released", "toValue": ["Obsolete"]}]}
 
+# Drawn as the library judges each move of Status alone: "Obsolete" has no
+# transition rule, so it may move anywhere; the freeze on Status itself keeps
+# "Released" where it is, which the last comment tells.
 DOT = """// The lifecycle of Status for part: values with a double border have no way out.
+// Each edge is a move of Status alone that the library approves as an edit or a save.
 digraph "part Status" {
   rankdir=LR;
   node [shape=box, style=rounded];
   "In Work";
   "In Review";
   "Released" [peripheries=2];
-  "Obsolete" [peripheries=2];
+  "Obsolete";
   "In Work" -> "In Review" [label="file upload required, frozen while Approver is nobody"];
-  "In Review" -> "Released" [label="frozen while Approver is nobody"];
   "In Review" -> "In Work" [label="forced spin-up, frozen while Approver is nobody"];
-  "Released" -> "Obsolete" [label="frozen while Approver is nobody, frozen"];
+  "In Review" -> "Released" [label="asks for the family, asks for the ancestors, frozen while Approver is nobody"];
+  "Obsolete" -> "In Work" [label="frozen while Approver is nobody"];
+  "Obsolete" -> "In Review" [label="frozen while Approver is nobody"];
+  "Obsolete" -> "Released" [label="asks for the family, asks for the ancestors, frozen while Approver is nobody"];
+  // refused: "Released" -> "Obsolete": Transition freeze violation detected: For Part: When Status equals "Released", then Status must remain unchanged.
 }
 """
 
@@ -221,11 +228,13 @@ MERMAID = """stateDiagram-v2
     state "Released" as s2
     state "Obsolete" as s3
     s0 --> s1 : file upload required, frozen while Approver is nobody
-    s1 --> s2 : frozen while Approver is nobody
     s1 --> s0 : forced spin-up, frozen while Approver is nobody
-    s2 --> s3 : frozen while Approver is nobody, frozen
+    s1 --> s2 : asks for the family, asks for the ancestors, frozen while Approver is nobody
+    s3 --> s0 : frozen while Approver is nobody
+    s3 --> s1 : frozen while Approver is nobody
+    s3 --> s2 : asks for the family, asks for the ancestors, frozen while Approver is nobody
     s2 --> [*]
-    s3 --> [*]
+    %% refused: "Released" -> "Obsolete": Transition freeze violation detected: For Part: When Status equals "Released", then Status must remain unchanged.
 """
 
 
@@ -257,9 +266,55 @@ class GraphCommand(ProgramTest):
                          (2, "", "tov: the data model dm.json describes no object type Bolt\n"))
 
     def test_the_type_and_attribute_are_required(self):
-        result = self.tov("graph", "--rules", "graph-rules.json", "--type", "Part")
+        result = self.tov("graph", "--rules", "graph-rules.json", "--dm", "dm.json", "--type",
+                          "Part")
         self.assertEqual((result.returncode, result.stdout), (2, ""))
         self.assertIn("--attribute is required", result.stderr)
+
+    def test_the_data_model_is_required_since_the_library_judges_every_move(self):
+        result = self.tov("graph", "--rules", "graph-rules.json", "--type", "Part",
+                          "--attribute", "Status")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertTrue(result.stderr.startswith("tov: --dm is required\n"), result.stderr)
+
+    def test_two_rules_from_one_value_draw_neither_move_and_any_is_no_state(self):
+        self.write_json("document.json", {"transitions": {"Part": [
+            {"attribute": "Status", "fromValue": "Draft", "toValue": ["In Review"]},
+            {"attribute": "Status", "fromValue": "Draft", "toValue": ["Approved"]},
+            {"attribute": "Status", "fromValue": "<any>", "toValue": ["Obsolete"]}]}})
+        result = self.tov("graph", "--rules", "document.json", "--dm", "dm.json", "--type",
+                          "Part", "--attribute", "Status", "--format", "mermaid")
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        self.assertEqual(result.stdout, """stateDiagram-v2
+    state "Draft" as s0
+    state "In Review" as s1
+    state "Approved" as s2
+    state "Obsolete" as s3
+    s1 --> s3
+    s2 --> s3
+    s0 --> [*]
+    s3 --> [*]
+    %% refused: "Draft" -> "In Review": Transition violation detected: For Part: Status can transition from "<any>" to "Obsolete"
+    %% refused: "Draft" -> "Approved": Transition violation detected: For Part: Status can transition from "<any>" to "Obsolete"
+    %% refused: "Draft" -> "Obsolete": Transition violation detected: For Part: Status can transition from "Draft" to "In Review"
+""")
+
+    def test_every_edge_is_approved_by_eval(self):
+        for line in DOT.splitlines():
+            if " -> " not in line or line.lstrip().startswith("//"):
+                continue
+            source, target = [side.strip(' ";').split('" [')[0].strip('"')
+                              for side in line.split(" -> ")]
+            asked = [self.eval_move(kind, source, target) for kind in
+                     ("edit-before-resolution", "save-before-resolution")]
+            with self.subTest(move=(source, target)):
+                self.assertTrue(any(status in (0, 3) for status in asked), asked)
+
+    def eval_move(self, kind, source, target):
+        self.write_json("move.json", {"objectType": "part", "initialAttributes": {
+            "Status": source}, "targetAttributes": {"Status": target}})
+        return self.tov("eval", kind, "--rules", "graph-rules.json", "--dm", "dm.json",
+                        "move.json").returncode
 
     @unittest.skipIf(shutil.which("dot") is None, "Graphviz is not installed")
     def test_graphviz_renders_it(self):
