@@ -84,8 +84,9 @@ void writeFindingJson(JsonWriter& writer, const Finding& finding) {
     writer.EndObject();
 }
 
-// {"documents": [{"document", "loaded", "comment"}], "faults": [...], "notes": [...]};
-// under --strict every note is listed among the faults.
+// {"documents": [{"document", "comment"}], "faults": [...], "notes": [...],
+// "warnings": [...]}; under --strict every note and warning is listed among the
+// faults.
 void printJson(const std::vector<Finding>& findings, bool strict, std::ostream& out) {
     tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
@@ -115,10 +116,14 @@ void printJson(const std::vector<Finding>& findings, bool strict, std::ostream& 
     };
     listOf("faults", [strict](const Finding& finding) {
         return finding.severity == Finding::kFault ||
-               (strict && finding.severity == Finding::kNote);
+               (strict &&
+                (finding.severity == Finding::kNote || finding.severity == Finding::kWarning));
     });
     listOf("notes", [strict](const Finding& finding) {
         return !strict && finding.severity == Finding::kNote;
+    });
+    listOf("warnings", [strict](const Finding& finding) {
+        return !strict && finding.severity == Finding::kWarning;
     });
     writer.EndObject();
     out << buffer.GetString() << "\n";
@@ -130,15 +135,22 @@ int runCheck(const CheckOptions& options) {
     if (!prepareCommand(options.log, options.documents, logFolder, documents)) {
         return kExitUsageOrInput;
     }
-    PrivateCore core(logFolder);
     std::vector<Finding> findings;
-    const bool allLoaded = loadDocuments(documents, core, options.documents.maxInputSize, findings);
-    if (allLoaded) {
-        noteEmptyStores(options.documents, core, findings);
-        noteUnknownObjectTypes(options.documents, core, findings);
-        if (options.strict) {
-            checkStrictly(options.documents, core.dataModel(), findings);
+    bool allLoaded = false;
+    TOV_DMStructure dataModel;
+    {
+        PrivateCore core(logFolder);
+        allLoaded = loadDocuments(documents, core, options.documents.maxInputSize, findings);
+        if (allLoaded) {
+            noteEmptyStores(options.documents, core, findings);
+            noteUnknownObjectTypes(options.documents, core, findings);
+            dataModel = core.dataModel();
         }
+    }
+    // The loaded rules are gone by now, so that a large document is not held
+    // twice while it is read again.
+    if (allLoaded) {
+        findLikelyMistakes(options.documents, dataModel, findings);
     }
     if (options.format == OutputFormat::kJson) {
         printJson(findings, options.strict, std::cout);
@@ -148,7 +160,7 @@ int runCheck(const CheckOptions& options) {
         }
     }
     const bool noted = std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
-        return finding.severity == Finding::kNote;
+        return finding.severity == Finding::kNote || finding.severity == Finding::kWarning;
     });
     return allLoaded && !(options.strict && noted) ? kExitSuccess : kExitFailure;
 }

@@ -12,7 +12,9 @@ if(NOT TARGET tov_program_core)
     ${tov_tools}/input_files.cpp
     ${tov_tools}/json_files.cpp
     ${tov_tools}/json_output.cpp
+    ${tov_tools}/judging_order.cpp
     ${tov_tools}/lifecycle_graph.cpp
+    ${tov_tools}/placed_json.cpp
     ${tov_tools}/request_kinds.cpp
     ${tov_tools}/rules_in_words.cpp
   )

@@ -139,8 +139,10 @@ void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out
         out << ":" << finding.location;
     }
     out << ": ";
-    if (finding.severity == Finding::kNote) {
-        out << (notesAreFaults ? "error: " : "note: ");
+    if (finding.severity == Finding::kNote || finding.severity == Finding::kWarning) {
+        out << (notesAreFaults                          ? "error: "
+                : finding.severity == Finding::kWarning ? "warning: "
+                                                        : "note: ");
     }
     out << finding.message << "\n";
 }

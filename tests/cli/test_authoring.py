@@ -357,32 +357,39 @@ STRICT_DATA_MODEL = {"OverwriteLabel": "Overwrite", "structureObjects": [
         {"name": "Title", "type": "TEXT", "primary": False},
         {"name": "Approver", "type": "REGULAR", "primary": False}]}]}
 
+# Each finding: its document, section, place and message, in the order of the
+# documents (the data model first) and of their texts.
 STRICT_FINDINGS = [
-    ("strict-dm.json", "structureObjects", 'structureObjects: Part: dmObjectType "DMitem" loads '
-     'as DMITEM; the word is "DMITEM", exactly in this case'),
-    ("strict-dm.json", "structureObjects", 'structureObjects: Part Title: type "TEXT" is none '
-     "of REGULAR, FILE, VERSIONING and loads as REGULAR"),
-    ("strict.json", "transitionz", 'transitionz: unknown section "transitionz" is ignored; '
-     'did you mean "transitions"?'),
-    ("strict.json", "manualLinks", "manualLinks: the section is a JSON array, not an object, "
-     "and is ignored"),
-    ("strict.json", "transitions", 'transitions: Part #1: "Stauts" is no attribute of Part in '
-     "the data model"),
-    ("strict.json", "fileConstraints", 'fileConstraints: Part #1: updateFile "mandatory" loads '
-     'as no constraint, so the rule never forbids anything; the word is "MANDATORY", exactly '
-     "in this case"),
-    ("strict.json", "fileConstraints", 'fileConstraints: Part #2: updateFile "ALWAYS" is none '
-     "of FORBIDDEN, MANDATORY and loads as no constraint, so the rule never forbids anything"),
-    ("strict.json", "conflictResolutions", 'conflictResolutions: Part #1: updatesFile "Yes" '
-     "loads as N_A, so the rule holds whether or not the file is updated; the word is \"YES\", "
-     "exactly in this case"),
-    ("strict.json", "versioningSelections", "versioningSelections: Part #1: offers no "
-     "versioning attribute of Part (Revision), so no spin-up can follow the selection"),
-    ("strict.json", "triggers", 'triggers: Part #1: attribute "<any>" is no wildcard where '
-     'rules are looked up, so the rule applies only to an attribute named "<any>"'),
-    ("strict.json", "transitions", "transitions: Part #3: repeats Part #2"),
-    ("strict.json", "conflictResolutions", "conflictResolutions: Part #1: forces spinup where "
-     'ALL #1 forces overwrite on Status from "<any>" to "in work"'),
+    ('strict-dm.json', 'structureObjects', "1:87",
+     'structureObjects: Part: dmObjectType "DMitem" loads as DMITEM; the word is "DMITEM", exactly in this case'),
+    ('strict-dm.json', 'structureObjects', "1:312",
+     'structureObjects: Part Title: type "TEXT" is none of REGULAR, FILE, VERSIONING and loads as REGULAR'),
+    ('strict.json', 'transitionz', "1:2",
+     'transitionz: unknown section "transitionz" is ignored; did you mean "transitions"?'),
+    ('strict.json', 'manualLinks', "1:21",
+     'manualLinks: the section is a JSON array, not an object, and is ignored'),
+    ('strict.json', 'transitions', "1:79",
+     'transitions: Part #1 (explain 1): "Stauts" is no attribute of Part in the data model'),
+    ('strict.json', 'transitions', "1:226",
+     'transitions: Part #3 (explain 3): repeats Part #2 (explain 2)'),
+    ('strict.json', 'transitions', "1:226",
+     'transitions: Part #3 (explain 3): Status from "In Work" has a rule already, Part #2 (explain 2), and every rule that applies must hold, so "In Work" may move only to what all of them list: "In Work", "In Review"; write the targets of "In Work" in one rule'),
+    ('strict.json', 'fileConstraints', "1:429",
+     'fileConstraints: Part #1 (explain 1): updateFile "mandatory" loads as no constraint, so the rule never forbids anything; the word is "MANDATORY", exactly in this case'),
+    ('strict.json', 'fileConstraints', "1:504",
+     'fileConstraints: Part #2 (explain 2): toValue "Released" is no value of Status that a transition rule names (In Work, In Review); add a transition rule for it, or correct it'),
+    ('strict.json', 'fileConstraints', "1:530",
+     'fileConstraints: Part #2 (explain 2): updateFile "ALWAYS" is none of FORBIDDEN, MANDATORY and loads as no constraint, so the rule never forbids anything'),
+    ('strict.json', 'conflictResolutions', "1:715",
+     'conflictResolutions: Part #1 (explain 2): forces spinup where ALL #1 (explain 1) forces overwrite on Status from "<any>" to "in work"'),
+    ('strict.json', 'conflictResolutions', "1:798",
+     'conflictResolutions: Part #1 (explain 2): updatesFile "Yes" loads as N_A, so the rule holds whether or not the file is updated; the word is "YES", exactly in this case'),
+    ('strict.json', 'versioningSelections', "1:928",
+     'versioningSelections: Part #1 (explain 1): conditionValue1 "Obsolete" is no value of Status that a transition rule names (In Work, In Review); add a transition rule for it, or correct it'),
+    ('strict.json', 'versioningSelections', "1:961",
+     'versioningSelections: Part #1 (explain 1): offers no versioning attribute of Part (Revision), so no spin-up can follow the selection'),
+    ('strict.json', 'triggers', "1:1011",
+     'triggers: Part #1 (explain 1): attribute "<any>" is no wildcard where rules are looked up, so the rule applies only to an attribute named "<any>"'),
 ]
 
 
@@ -399,13 +406,17 @@ class StrictCheck(ProgramTest):
         self.assertEqual(result.stdout.splitlines(), [
             "strict-dm.json: Succesfully initialized DM info",
             "strict.json: Successfully initialized TOV rules",
-        ] + [document + ": error: " + message for document, _, message in STRICT_FINDINGS])
+        ] + [document + ":" + place + ": error: " + message
+             for document, _, place, message in STRICT_FINDINGS])
 
-    def test_without_strict_the_same_documents_pass(self):
+    def test_without_strict_the_same_findings_are_warnings(self):
         result = self.tov("check", "--rules", "strict.json", "--dm", "strict-dm.json")
         self.assertEqual(result.returncode, 0)
-        self.assertEqual(result.stdout, "strict-dm.json: Succesfully initialized DM info\n"
-                                        "strict.json: Successfully initialized TOV rules\n")
+        self.assertEqual(result.stdout.splitlines(), [
+            "strict-dm.json: Succesfully initialized DM info",
+            "strict.json: Successfully initialized TOV rules",
+        ] + [document + ":" + place + ": warning: " + message
+             for document, _, place, message in STRICT_FINDINGS])
 
     def test_json_lists_them_as_faults(self):
         result = self.tov("check", "--strict", "--format", "json", "--rules", "strict.json",
@@ -415,9 +426,21 @@ class StrictCheck(ProgramTest):
             "documents": [
                 {"document": "strict-dm.json", "comment": "Succesfully initialized DM info"},
                 {"document": "strict.json", "comment": "Successfully initialized TOV rules"}],
-            "faults": [{"document": document, "section": section, "message": message}
-                       for document, section, message in STRICT_FINDINGS],
-            "notes": []})
+            "faults": [{"document": document, "section": section, "message": message,
+                        "line": int(place.split(":")[0]), "column": int(place.split(":")[1])}
+                       for document, section, place, message in STRICT_FINDINGS],
+            "notes": [], "warnings": []})
+
+    def test_json_lists_warnings_without_strict(self):
+        result = self.tov("check", "--format", "json", "--rules", "strict.json", "--dm",
+                          "strict-dm.json")
+        self.assertEqual(result.returncode, 0)
+        answer = json.loads(result.stdout)
+        self.assertEqual((answer["faults"], answer["notes"]), ([], []))
+        self.assertEqual([(warning["line"], warning["column"], warning["message"])
+                          for warning in answer["warnings"]],
+                         [(int(place.split(":")[0]), int(place.split(":")[1]), message)
+                          for _, _, place, message in STRICT_FINDINGS])
 
     def test_notes_become_errors(self):
         self.write_json("nothing.json", {})
@@ -499,7 +522,7 @@ class JsonFormat(ProgramTest):
         self.assertEqual(json.loads(result.stdout), {
             "kinds": [{"kind": "trigger", "rules": [
                 'For Library_Item: When Status is edited, Approver must be initialized to '
-                '"x"']}],
+                '"x"'], "numbers": [1]}],
             "libraryItem": []})
 
     def test_check_tells_faults_with_their_section(self):
@@ -507,7 +530,7 @@ class JsonFormat(ProgramTest):
         self.write_json("bad.json", {"transitions": {"Part": [{}]}, "manualLinks": {"A": {}}})
         result = self.tov("check", "--rules", "bad.json", "--format", "json")
         self.assertEqual(result.returncode, 1)
-        self.assertEqual(json.loads(result.stdout), {"documents": [], "notes": [], "faults": [
+        self.assertEqual(json.loads(result.stdout), {"documents": [], "notes": [], "warnings": [], "faults": [
             {"document": "bad.json", "section": "transitions",
              "message": "Transition rule for Part demands ALL keywords: "
                         "[attribute,fromValue,toValue]"},
