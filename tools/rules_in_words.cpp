@@ -34,7 +34,8 @@ RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
         byKind[entry.first].push_back(entry.second);
     }
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
-        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(expressTriggerInWords(trigger));
+        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(
+            expressTriggerInWords(trigger));
     }
     RuleGroups groups;
     for (const std::string& kind : kinds) {

@@ -32,9 +32,8 @@ std::string ComposeTOVDecisionTraceJson(const std::vector<TOVRuleConsultation>& 
         writer.String(GetTOVRuleKinds()[step.kind].section);
         writer.Key("number");
         // A rule the store does not hold has no place: 0.
-        writer.Uint64(step.documentPosition == static_cast<std::size_t>(-1)
-                          ? 0
-                          : step.documentPosition + 1);
+        writer.Uint64(
+            step.documentPosition == static_cast<std::size_t>(-1) ? 0 : step.documentPosition + 1);
         writer.Key("rule");
         writer.String(step.words.c_str(), static_cast<rapidjson::SizeType>(step.words.size()));
         writer.Key("outcome");
