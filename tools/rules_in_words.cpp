@@ -16,24 +16,6 @@
 
 namespace tovcli {
 
-namespace {
-
-// A trigger is never reported as a violation, so the library has no sentence
-// for it; this one reads like the sentences of the other kinds.
-std::string triggerInWords(const TOVTriggerDescription& trigger) {
-    std::string words =
-        "For " + trigger.objectType + ": When " + trigger.attribute + " is edited, ";
-    if (trigger.triggerInitialize == TOVAttrItemKeyword_ProperVersioningAttribute) {
-        words += "the proper versioning attribute (" + trigger.triggerInitialize + ")";
-    } else {
-        words += trigger.triggerInitialize;
-    }
-    words += " must be initialized to " + createStringInQuotes(trigger.initializationValue.c_str());
-    return words;
-}
-
-}  // namespace
-
 RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
     // The store's words come kind by kind, each kind's rules in the order in
     // which they are asked; the place of each in its kind tells its number.
@@ -56,7 +38,8 @@ RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
     const std::string triggers = GetTOVRuleKinds()[TOVRuleKind_Trigger].label;
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
         std::vector<RuleInWords>& group = byKind[triggers];
-        group.push_back({numberOf(TOVRuleKind_Trigger, group.size()), triggerInWords(trigger)});
+        group.push_back(
+            {numberOf(TOVRuleKind_Trigger, group.size()), expressTriggerInWords(trigger)});
     }
     RuleGroups groups;
     for (const TOVRuleKind kind : ruleKindsInJudgingOrder()) {
