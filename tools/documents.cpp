@@ -78,12 +78,14 @@ void explainUnusableText(const Document& document, std::uint64_t maxInputSize,
         findings.push_back(noteOn(document, "the file is empty"));
         return;
     }
-    std::string text;
+    std::string read;
     std::string error;
-    if (!readInput(document.path, documentWhat(document.kind), maxInputSize, text, error)) {
+    if (document.text == nullptr &&
+        !readInput(document.path, documentWhat(document.kind), maxInputSize, read, error)) {
         findings.push_back(noteOn(document, error));
         return;
     }
+    const std::string& text = document.text == nullptr ? read : *document.text;
     tovjson::Document json;
     // Iterative like the library's own parse, so deep nesting cannot overflow the stack.
     json.Parse<rapidjson::kParseIterativeFlag>(text.c_str());
@@ -184,6 +186,10 @@ bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
 }
 
 TOVResponse initializeFromDocument(const Document& document, PrivateCore& core) {
+    if (document.text != nullptr) {
+        return document.kind == Document::kRules ? InitializeTOVRules(*document.text, core.get())
+                                                 : InitializeTOV_DMInfo(*document.text, core.get());
+    }
     // An empty file gets the answer of an empty text, which says more than a
     // parse error would.
     const bool empty = document.size == 0;
