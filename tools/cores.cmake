@@ -1,10 +1,11 @@
 # The parts of the tov program that need no command line: the answers of
 # batch lines, explain and graph; the checks of documents and the suites of
-# tov test; the HTTP layer's messages and guards; and the service's routes,
-# state and counters. The program links them, and so do the fuzz targets,
-# which the fuzz preset builds without the program. The includer names the
-# library to link in TOV_CORES_LIBRARY: tov::tov for the program,
-# tov_internal for the fuzz targets.
+# tov test; the HTTP layer's messages and guards; the service's routes,
+# state and counters; and the workbench's routes and answers. The program
+# links them, and so do the fuzz targets, which the fuzz preset builds
+# without the program. The includer names the library to link in
+# TOV_CORES_LIBRARY: tov::tov for the program, tov_internal for the fuzz
+# targets.
 if(NOT TARGET tov_program_core)
   set(tov_tools ${CMAKE_CURRENT_LIST_DIR})
 
@@ -76,4 +77,8 @@ if(NOT TARGET tov_program_core)
   target_link_libraries(tov_serve_core PUBLIC tov_program_core tov_http_core
     PRIVATE OpenSSL::Crypto)
   tov_set_warnings(tov_serve_core)
+
+  if(TOV_BUILD_WORKBENCH)
+    include(${CMAKE_CURRENT_LIST_DIR}/workbench/workbench.cmake)
+  endif()
 endif()
