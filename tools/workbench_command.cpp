@@ -106,6 +106,7 @@ void openInBrowser(const std::string& opener, const std::string& address) {
             if (nothing >= 0) {
                 ::dup2(nothing, STDIN_FILENO);
             }
+            ::signal(SIGPIPE, SIG_DFL);
             ::close_range(3, ~0U, 0);
             std::array<char*, 3> arguments = {const_cast<char*>(opener.c_str()),
                                               const_cast<char*>(address.c_str()), nullptr};
@@ -165,6 +166,8 @@ int runWorkbench(const WorkbenchOptions& options) {
         std::cerr << "tov: " << error << "\n";
         return kExitUsageOrInput;
     }
+    // Taken before the address is told, so that a stop asked at once is a stop.
+    server->handleSignals({SIGTERM, SIGINT}, [&server](int /*signal*/) { server->stop(kGrace); });
     // The address without the token: this line may well end up in a log.
     std::cerr << "tov workbench: listening on " << server->url() << std::endl;
     std::cerr << "tov workbench: editing " << workspace->names().rules << " and "
@@ -197,7 +200,6 @@ int runWorkbench(const WorkbenchOptions& options) {
     policy.allowedHosts = options.allowedHosts;
     policy.token = token;
     tovwb::WorkbenchRouter router(api, tovhttp::RequestGuards(policy));
-    server->handleSignals({SIGTERM, SIGINT}, [&server](int /*signal*/) { server->stop(kGrace); });
     // One person's page asks one question at a time.
     server->run(router, 1);
     std::cerr << "tov workbench: stopped" << std::endl;
