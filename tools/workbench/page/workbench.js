@@ -396,8 +396,14 @@
     });
   }
 
+  // Counts the answers shown, so that whoever waits for the next one knows it came.
+  function markAnswered() {
+    const pane = byId("answer");
+    pane.hidden = false;
+    pane.dataset.answered = String(Number(pane.dataset.answered || "0") + 1);
+  }
+
   function showAnswer(answer) {
-    byId("answer").hidden = false;
     const verdict = byId("verdict");
     verdict.textContent = VERDICTS[answer.verdict] || answer.verdict;
     verdict.className = "verdict " + answer.verdict.replace(/ /g, "-");
@@ -415,6 +421,7 @@
       table.append(row);
     }
     showTrace(answer.trace);
+    markAnswered();
   }
 
   async function evaluate() {
@@ -426,7 +433,6 @@
         request: editors.request.getValue(),
       })));
     } catch (error) {
-      byId("answer").hidden = false;
       const verdict = byId("verdict");
       verdict.textContent = "Not evaluated";
       verdict.className = "verdict refused";
@@ -434,6 +440,7 @@
       byId("advice").hidden = true;
       byId("keywords").replaceChildren();
       showTrace([]);
+      markAnswered();
     } finally {
       button.disabled = false;
     }
