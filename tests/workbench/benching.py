@@ -39,7 +39,7 @@ TOKEN_REFUSAL = error_body("this server asks for its token, which the address th
                            "at its start carries: open that address")
 
 __all__ = ["Response", "error_body", "read_until_closed", "EXAMPLES", "RULES", "DATA_MODEL",
-           "TOKEN_REFUSAL", "Workbench", "run_tov", "example_documents", "examples"]
+           "TOKEN_REFUSAL", "TOV", "Workbench", "run_tov", "example_documents", "examples"]
 
 
 def run_tov(*arguments, environment=None):
@@ -105,9 +105,9 @@ class _Lines:
 class Workbench:
     """A `tov workbench` process on a free loopback port."""
 
-    def __init__(self, *arguments, listen="127.0.0.1:0", environment=None):
+    def __init__(self, *arguments, listen="127.0.0.1:0", environment=None, program=TOV):
         address = [] if listen is None else ["--listen", listen]
-        self.command = [TOV, "workbench", *address, *map(str, arguments)]
+        self.command = [str(program), "workbench", *address, *map(str, arguments)]
         self.process = subprocess.Popen(self.command, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                         env=child_environment(environment))

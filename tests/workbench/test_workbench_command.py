@@ -2,13 +2,14 @@
 starts from, --open, --write and the stop."""
 
 import os
+import shutil
 import signal
 import stat
 import time
 
 import pytest
 
-from benching import EXAMPLES, Workbench, example_documents, run_tov
+from benching import EXAMPLES, TOV, Workbench, example_documents, run_tov
 
 
 def test_the_start_tells_where_and_what(tmp_path):
@@ -33,6 +34,26 @@ def test_it_stops_on_sigterm_and_sigint(number):
     bench = Workbench()
     assert bench.stop(number) == 0
     assert "tov workbench: stopped" in bench.stderr.lines
+
+
+def test_the_installed_examples_come_before_the_source_trees(tmp_path):
+    program = tmp_path / "bin" / "tov"
+    program.parent.mkdir()
+    shutil.copy(TOV, program)
+    installed = tmp_path / "share" / "tov" / "examples"
+    (installed / "requests").mkdir(parents=True)
+    for name in ("rules.json", "datamodel.json", "scenario.json", "tests.json"):
+        shutil.copy(EXAMPLES / name, installed / name)
+    for request in (EXAMPLES / "requests").iterdir():
+        shutil.copy(request, installed / "requests" / request.name)
+    (installed / "rules.json").write_text((EXAMPLES / "rules.json").read_text() + "\n")
+    with Workbench(program=program) as bench:
+        assert bench.stderr.lines[1] == (
+            "tov workbench: editing %s and %s, never saved by the program"
+            % (installed / "rules.json", installed / "datamodel.json"))
+        started = bench.get("/api/documents").json()
+        assert started["rules"]["text"] == (installed / "rules.json").read_text()
+        assert started["suite"]["name"] == str(installed / "tests.json")
 
 
 def test_documents_that_do_not_load_are_opened_all_the_same(tmp_path):
