@@ -170,8 +170,8 @@ int runWorkbench(const WorkbenchOptions& options) {
     server->handleSignals({SIGTERM, SIGINT}, [&server](int /*signal*/) { server->stop(kGrace); });
     // The address without the token: this line may well end up in a log.
     std::cerr << "tov workbench: listening on " << server->url() << std::endl;
-    std::cerr << "tov workbench: editing " << workspace->names().rules << " and "
-              << workspace->names().dataModel
+    std::cerr << "tov workbench: editing " << workspace->files().rules << " and "
+              << workspace->files().dataModel
               << (options.write ? ", saved back on request" : ", never saved by the program")
               << std::endl;
     if (options.noToken) {

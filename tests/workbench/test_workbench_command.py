@@ -47,13 +47,18 @@ def test_the_installed_examples_come_before_the_source_trees(tmp_path):
     for request in (EXAMPLES / "requests").iterdir():
         shutil.copy(request, installed / "requests" / request.name)
     (installed / "rules.json").write_text((EXAMPLES / "rules.json").read_text() + "\n")
+    suite = (EXAMPLES / "tests.json").read_text()
+    (installed / "tests.json").write_text(suite.replace('"edit-part-release-first-pass"',
+                                                        '"installed first pass"', 1))
     with Workbench(program=program) as bench:
         assert bench.stderr.lines[1] == (
             "tov workbench: editing %s and %s, never saved by the program"
             % (installed / "rules.json", installed / "datamodel.json"))
         started = bench.get("/api/documents").json()
         assert started["rules"]["text"] == (installed / "rules.json").read_text()
-        assert started["suite"]["name"] == str(installed / "tests.json")
+        assert started["rules"]["name"] == "examples/rules.json"
+        assert started["suite"]["name"] == "examples/tests.json"
+        assert '"name":"installed first pass"' in started["suite"]["text"]
 
 
 def test_documents_that_do_not_load_are_opened_all_the_same(tmp_path):

@@ -58,7 +58,7 @@ def test_the_documents_the_page_starts_from(bench):
     assert answer.header("Content-Type") == "application/json"
     assert answer.header("Content-Security-Policy") == POLICY
     started = answer.json()
-    assert started["rules"] == {"name": str(EXAMPLES / "rules.json"),
+    assert started["rules"] == {"name": "examples/rules.json",
                                 "text": (EXAMPLES / "rules.json").read_text()}
     assert started["datamodel"]["text"] == (EXAMPLES / "datamodel.json").read_text()
     assert started["write"] is False
@@ -165,7 +165,7 @@ def test_documents_that_do_not_load_are_told_and_refused(bench):
         answer = bench.post(path, dict(documents, **extra))
         assert (answer.status, answer.body) == (422, error_body(
             "the documents do not load, so nothing can be judged by them:\n%s: Json has "
-            "fundamental parsing error" % (EXAMPLES / "rules.json"))), path
+            "fundamental parsing error" % "examples/rules.json")), path
 
 
 def test_bodies_that_are_not_what_an_endpoint_takes_are_400(bench):

@@ -56,11 +56,9 @@ TEST_F(WorkbenchApiTest, DocumentsTellWhatThePageStartsFrom) {
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(*answer.header("Content-Type"), "application/json");
     const auto json = parsed(answer.body);
-    EXPECT_EQ(std::string((*json)["rules"]["name"].GetString()),
-              tovwbtest::kExamples + "/rules.json");
+    EXPECT_STREQ((*json)["rules"]["name"].GetString(), "examples/rules.json");
     EXPECT_EQ(std::string((*json)["rules"]["text"].GetString()), exampleRules());
-    EXPECT_EQ(std::string((*json)["datamodel"]["name"].GetString()),
-              tovwbtest::kExamples + "/datamodel.json");
+    EXPECT_STREQ((*json)["datamodel"]["name"].GetString(), "examples/datamodel.json");
     EXPECT_EQ(std::string((*json)["datamodel"]["text"].GetString()), exampleDataModel());
     EXPECT_FALSE((*json)["write"].GetBool());
     EXPECT_TRUE((*json)["diagrams"].IsNull());
@@ -76,8 +74,7 @@ TEST_F(WorkbenchApiTest, DocumentsTellWhatThePageStartsFrom) {
                  "for them.");
     EXPECT_EQ(std::string(first["request"].GetString()),
               exampleRequest("edit-part-release-first-pass"));
-    EXPECT_EQ(std::string((*json)["suite"]["name"].GetString()),
-              tovwbtest::kExamples + "/tests.json");
+    EXPECT_STREQ((*json)["suite"]["name"].GetString(), "examples/tests.json");
     const auto suite = parsed((*json)["suite"]["text"].GetString());
     EXPECT_EQ((*suite)["cases"].Size(), 25U);
 }
@@ -209,14 +206,12 @@ TEST_F(WorkbenchApiTest, ExplainTellsTheRulesInWords) {
     const HttpResponse refused = api.explain(body({{"rules", "{"}, {"datamodel", "{}"}}));
     EXPECT_EQ(refused.status, 422);
     EXPECT_EQ(refused.body,
-              errorBody("the documents do not load, so nothing can be judged by them:\n" +
-                        tovwbtest::kExamples +
-                        "/datamodel.json: DM Structure Information demands ALL keywords: "
-                        "[structureObjects,OverwriteLabel]\n" +
-                        tovwbtest::kExamples +
-                        "/datamodel.json: DM Structure Information demands ALL keywords: "
-                        "[structureObjects,OverwriteLabel]\n" +
-                        tovwbtest::kExamples + "/rules.json: Json has fundamental parsing error"));
+              errorBody("the documents do not load, so nothing can be judged by them:\n"
+                        "examples/datamodel.json: DM Structure Information demands ALL keywords: "
+                        "[structureObjects,OverwriteLabel]\n"
+                        "examples/datamodel.json: DM Structure Information demands ALL keywords: "
+                        "[structureObjects,OverwriteLabel]\n"
+                        "examples/rules.json: Json has fundamental parsing error"));
 }
 
 TEST_F(WorkbenchApiTest, GraphDrawsTheLifecycleAsTovGraphDoes) {
@@ -315,8 +310,8 @@ TEST_F(WorkbenchApiTest, EvaluateRefusals) {
         {{"rules", "[]"}, {"datamodel", exampleDataModel()}, {"kind", "edit"}, {"request", "{}"}}));
     EXPECT_EQ(notLoaded.status, 422);
     EXPECT_EQ(notLoaded.body,
-              errorBody("the documents do not load, so nothing can be judged by them:\n" +
-                        tovwbtest::kExamples + "/rules.json: Json has fundamental parsing error"));
+              errorBody("the documents do not load, so nothing can be judged by them:\n"
+                        "examples/rules.json: Json has fundamental parsing error"));
     // A request that is no JSON is the library's to answer.
     const auto json = parsed(api.evaluate(withExamples({{"kind", "edit"}, {"request", "{"}})).body);
     EXPECT_STREQ((*json)["line"].GetString(),

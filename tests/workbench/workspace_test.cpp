@@ -14,8 +14,11 @@ namespace {
 TEST(Workspace, TheExamplesWhenNoDocumentsAreGiven) {
     const auto workspace = tovwbtest::exampleWorkspace();
     ASSERT_NE(workspace, nullptr);
-    EXPECT_EQ(workspace->names().rules, tovwbtest::kExamples + "/rules.json");
-    EXPECT_EQ(workspace->names().dataModel, tovwbtest::kExamples + "/datamodel.json");
+    EXPECT_EQ(workspace->names().rules, "examples/rules.json");
+    EXPECT_EQ(workspace->names().dataModel, "examples/datamodel.json");
+    EXPECT_EQ(workspace->files().rules, tovwbtest::kExamples + "/rules.json");
+    EXPECT_EQ(workspace->files().dataModel, tovwbtest::kExamples + "/datamodel.json");
+    EXPECT_EQ(workspace->suite()->name, "examples/tests.json");
     EXPECT_EQ(workspace->documents().rules, tovwbtest::exampleRules());
     EXPECT_EQ(workspace->documents().dataModel, tovwbtest::exampleDataModel());
     EXPECT_EQ(workspace->examples().size(), 25U);

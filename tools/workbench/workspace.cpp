@@ -1,6 +1,7 @@
 #include "workspace.h"
 
 #include <filesystem>
+#include <tuple>
 #include <utility>
 
 #include "file_replacement.h"
@@ -127,20 +128,23 @@ std::unique_ptr<Workspace> Workspace::open(const WorkspaceOptions& options, std:
         error = "the example documents cannot be found: name the documents with --rules and --dm";
         return nullptr;
     }
-    workspace->documentNames = {
-        options.rulesPath.empty() ? inFolder(options.examplesFolder, "rules.json")
-                                  : options.rulesPath,
-        options.dataModelPath.empty() ? inFolder(options.examplesFolder, "datamodel.json")
-                                      : options.dataModelPath};
-    if (!tovcli::readInput(workspace->documentNames.rules, "rules document", options.maxInputSize,
+    const auto document = [&](const std::string& given, const char* example) {
+        return std::make_pair(given.empty() ? "examples/" + std::string(example) : given,
+                              given.empty() ? inFolder(options.examplesFolder, example) : given);
+    };
+    std::tie(workspace->documentNames.rules, workspace->documentFiles.rules) =
+        document(options.rulesPath, "rules.json");
+    std::tie(workspace->documentNames.dataModel, workspace->documentFiles.dataModel) =
+        document(options.dataModelPath, "datamodel.json");
+    if (!tovcli::readInput(workspace->documentFiles.rules, "rules document", options.maxInputSize,
                            workspace->texts.rules, error) ||
-        !tovcli::readInput(workspace->documentNames.dataModel, "data-model document",
+        !tovcli::readInput(workspace->documentFiles.dataModel, "data-model document",
                            options.maxInputSize, workspace->texts.dataModel, error)) {
         return nullptr;
     }
     workspace->writable = options.write;
-    workspace->rulesTarget = saveTarget(workspace->documentNames.rules);
-    workspace->dataModelTarget = saveTarget(workspace->documentNames.dataModel);
+    workspace->rulesTarget = saveTarget(workspace->documentFiles.rules);
+    workspace->dataModelTarget = saveTarget(workspace->documentFiles.dataModel);
     if (examples && !readExamples(options.examplesFolder, options.maxInputSize,
                                   workspace->exampleRequests, error)) {
         return nullptr;
@@ -152,6 +156,9 @@ std::unique_ptr<Workspace> Workspace::open(const WorkspaceOptions& options, std:
         PageSuite read;
         if (!readSuite(suite, options.maxInputSize, read, error)) {
             return nullptr;
+        }
+        if (options.suitePath.empty()) {
+            read.name = "examples/tests.json";
         }
         workspace->pageSuite = std::move(read);
     }

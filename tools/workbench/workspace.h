@@ -35,7 +35,7 @@ struct ExampleRequest {
 // A suite of cases whose requests are written out in the suite itself, since
 // the page names no file.
 struct PageSuite {
-    std::string name;  // the suite's path
+    std::string name;  // the suite's path as given, or examples/tests.json
     std::string text;  // JSON: the suite with every "requestFile" replaced by its "request"
 };
 
@@ -45,7 +45,11 @@ public:
     // when a document, the scenario or the suite cannot be read.
     static std::unique_ptr<Workspace> open(const WorkspaceOptions& options, std::string& error);
 
+    // What names the documents on the page and in messages: the paths as
+    // given, or examples/rules.json and examples/datamodel.json.
     const DocumentNames& names() const { return documentNames; }
+    // The files they were read from.
+    const DocumentNames& files() const { return documentFiles; }
     // The documents as they were read, or as last saved.
     DocumentTexts documents() const;
     const std::vector<ExampleRequest>& examples() const { return exampleRequests; }
@@ -61,6 +65,7 @@ private:
     Workspace() = default;
 
     DocumentNames documentNames;
+    DocumentNames documentFiles;
     std::string rulesTarget;  // where a save writes: the files behind the names
     std::string dataModelTarget;
     bool writable = false;
