@@ -85,7 +85,7 @@ lint: deps
 	cmake --preset default
 	clang-format --dry-run -Werror $$(git ls-files '*.h' '*.cpp' '*.c')
 	python3 scripts/check_layers.py
-	run-clang-tidy -p build/default -quiet -j $$(nproc) '/(src|tools|tests|bench|java)/' > build/clang-tidy.log 2>&1 \
+	run-clang-tidy -p build/default -quiet -j $$(nproc) '^$(CURDIR)/(src|tools|tests|bench|java)/' > build/clang-tidy.log 2>&1 \
 		|| { grep -E 'error:|warning:' build/clang-tidy.log | sort -u; exit 1; }
 	@echo "clang-tidy: clean"
 

@@ -3,6 +3,7 @@
 #include <openssl/evp.h>
 
 #include <array>
+#include <cstddef>
 #include <new>
 
 namespace tovserve {
@@ -17,7 +18,7 @@ std::string sha256Hex(std::string_view data) {
     }
     static const char* const kHexDigits = "0123456789abcdef";
     std::string hex;
-    hex.reserve(2 * length);
+    hex.reserve(std::size_t{2} * length);
     for (unsigned int i = 0; i < length; ++i) {
         hex += kHexDigits[digest[i] >> 4U];
         hex += kHexDigits[digest[i] & 0x0FU];
