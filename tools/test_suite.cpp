@@ -137,12 +137,12 @@ bool readTestSuiteText(const std::string& text, const std::string& name, TestSui
                 rapidjson::GetParseError_En(json.GetParseError());
         return false;
     }
-    const auto cases = json.IsObject() ? json.FindMember("cases") : json.MemberEnd();
-    if (!json.IsObject() || cases == json.MemberEnd() || !cases->value.IsArray()) {
+    const tovjson::Value* cases = findArray(json, "cases");
+    if (cases == nullptr) {
         error = "suite " + name + R"( needs "cases" (a list))";
         return false;
     }
-    return readCases(cases->value, nullptr, text.size(), suite, error);
+    return readCases(*cases, nullptr, text.size(), suite, error);
 }
 
 std::map<std::string, std::string> answerAsPrinted(const TOVResponse& response) {

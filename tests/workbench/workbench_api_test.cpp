@@ -249,6 +249,23 @@ TEST_F(WorkbenchApiTest, GraphRefusals) {
     EXPECT_EQ(renderer.drawn, 0);
 }
 
+TEST_F(WorkbenchApiTest, AfterANulByteNothingCounts) {
+    // As the library reads the text, so the graph is drawn.
+    const std::string cut = std::string(
+                                "{\"transitions\": {\"Part\": [{\"attribute\": \"Status\", "
+                                "\"fromValue\": \"a\", \"toValue\": [\"b\"]}]}}") +
+                            '\0' + "and the rest";
+    const HttpResponse answer = api.graph(body({{"rules", cut},
+                                                {"datamodel", exampleDataModel()},
+                                                {"type", "Part"},
+                                                {"attribute", "Status"}}));
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_NE(renderer.lastDot.find("\"a\" -> \"b\";"), std::string::npos);
+    const auto json =
+        parsed(api.check(body({{"rules", cut}, {"datamodel", exampleDataModel()}})).body);
+    EXPECT_TRUE((*json)["loaded"].GetBool());
+}
+
 TEST_F(WorkbenchApiTest, ALifecycleTooLargeToDrawIsGivenAsText) {
     std::string rules = "{\"transitions\": {\"Part\": [";
     for (std::size_t value = 0; value <= tovwb::kMaxDrawnValues; ++value) {
@@ -361,8 +378,11 @@ TEST_F(WorkbenchApiTest, ASuiteNamesNoFileToRead) {
     const HttpResponse broken = api.test(withExamples({{"suite", "{\"cases\": ["}}));
     EXPECT_EQ(broken.status, 422);
     EXPECT_EQ(broken.body, errorBody("the suite:1:12: Invalid value."));
-    const HttpResponse noCases = api.test(withExamples({{"suite", "{}"}}));
-    EXPECT_EQ(noCases.body, errorBody("suite the suite needs \"cases\" (a list)"));
+    for (const char* suite : {"{}", "[[1]]", "\"cases\"", "{\"cases\": {}}"}) {
+        const HttpResponse noCases = api.test(withExamples({{"suite", suite}}));
+        EXPECT_EQ(noCases.status, 422) << suite;
+        EXPECT_EQ(noCases.body, errorBody("suite the suite needs \"cases\" (a list)")) << suite;
+    }
 }
 
 TEST_F(WorkbenchApiTest, NothingIsSavedWithoutWrite) {

@@ -353,8 +353,11 @@ HttpResponse WorkbenchApi::graph(const std::string& body) const {
     }
     tovjson::Document rules;
     rules.Parse<rapidjson::kParseIterativeFlag>(texts.rules.c_str(), texts.rules.size());
+    // The graph code reads an object; what the library took is not asked again.
     const tovcli::LifecycleGraph lifecycle =
-        tovcli::buildLifecycleGraph(rules, type, attribute, dataModel);
+        rules.HasParseError() || !rules.IsObject()
+            ? tovcli::LifecycleGraph{type, attribute, {}, {}, {}}
+            : tovcli::buildLifecycleGraph(rules, type, attribute, dataModel);
     if (lifecycle.edges.empty()) {
         return errorResponse(422, "the rules hold no transition rule of \"" +
                                       tovhttp::printableExcerpt(attribute) + "\" for \"" +

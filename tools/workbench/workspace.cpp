@@ -24,12 +24,12 @@ bool readExamples(const std::string& folder, std::uint64_t maxInputSize,
     if (!tovcli::parseJsonFile(path, "scenario", maxInputSize, scenario, error)) {
         return false;
     }
-    const auto steps = scenario.IsObject() ? scenario.FindMember("steps") : scenario.MemberEnd();
-    if (steps == scenario.MemberEnd() || !steps->value.IsArray()) {
+    const tovjson::Value* steps = tovcli::findArray(scenario, "steps");
+    if (steps == nullptr) {
         error = "the scenario " + path + " lists no \"steps\"";
         return false;
     }
-    for (const auto& step : steps->value.GetArray()) {
+    for (const auto& step : steps->GetArray()) {
         ExampleRequest example{tovcli::stringOf(step, "name"),
                                tovcli::stringOf(step, "kind"),
                                tovcli::stringOf(step, "purpose"),
@@ -89,8 +89,8 @@ bool readSuite(const std::string& path, std::uint64_t maxInputSize, PageSuite& s
     if (!tovcli::parseJsonFile(path, "suite", maxInputSize, json, error)) {
         return false;
     }
-    const auto cases = json.IsObject() ? json.FindMember("cases") : json.MemberEnd();
-    if (cases == json.MemberEnd() || !cases->value.IsArray()) {
+    const tovjson::Value* cases = tovcli::findArray(json, "cases");
+    if (cases == nullptr) {
         error = "suite " + path + " needs \"cases\" (a list)";
         return false;
     }
@@ -100,7 +100,7 @@ bool readSuite(const std::string& path, std::uint64_t maxInputSize, PageSuite& s
     writer.StartObject();
     writer.Key("cases");
     writer.StartArray();
-    for (const auto& testCase : cases->value.GetArray()) {
+    for (const auto& testCase : cases->GetArray()) {
         if (!writeCase(testCase, folder, maxInputSize, writer, error)) {
             error = "suite " + path + ": " + error;
             return false;
