@@ -250,6 +250,7 @@ Command addWorkbenchCommand(CLI::App& program) {
         "example request or one you write and tells the verdict, and a test pane that runs a "
         "suite against the edited documents. Downloads give the edited documents; only with "
         "--write does the program save them, to the paths given, once they load.",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over four lines.
         "Without --rules and --dm the example documents are edited: those installed in "
         "share/tov/examples beside the program, or else those of the source tree it was "
         "built from. The example requests and suite (examples/tests.json) come from there "

@@ -29,9 +29,12 @@ protected:
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
         std::filesystem::remove_all(folder);
     }
+
+public:
     FileReplacementTest(const FileReplacementTest&) = delete;
     FileReplacementTest& operator=(const FileReplacementTest&) = delete;
 
+protected:
     std::size_t entries() const {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder),
                                                       std::filesystem::directory_iterator()));

@@ -406,9 +406,12 @@ protected:
         workspace = tovwbtest::exampleWorkspace(rules, dataModel, true);
     }
     ~WorkbenchSaveTest() override { std::filesystem::remove_all(folder); }
+
+public:
     WorkbenchSaveTest(const WorkbenchSaveTest&) = delete;
     WorkbenchSaveTest& operator=(const WorkbenchSaveTest&) = delete;
 
+protected:
     std::filesystem::path folder;
     std::string rules;
     std::string dataModel;

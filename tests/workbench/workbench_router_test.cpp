@@ -93,7 +93,7 @@ protected:
           api(*workspace, renderer, ""),
           router(api, guards()) {}
 
-    HttpResponse ask(HttpRequest made) {
+    HttpResponse ask(const HttpRequest& made) {
         const std::optional<HttpResponse> screened = router.screen(made);
         HttpResponse answer = router.respond(made);
         // The head alone refuses as the whole request does.

@@ -66,19 +66,25 @@ std::optional<HttpResponse> readBody(const std::string& body, const std::vector<
             return name == candidate;
         });
         if (!known) {
-            return errorResponse(
-                400, "unknown member \"" + tovhttp::printableExcerpt(name) + "\": " + expected);
+            return errorResponse(400, std::string("unknown member \"")
+                                          .append(tovhttp::printableExcerpt(name))
+                                          .append("\": ")
+                                          .append(expected));
         }
         if (!member.value.IsString()) {
-            return errorResponse(400, "\"" + name + "\" is a JSON " +
-                                          tovcli::jsonTypeName(member.value) +
-                                          ", not a string: " + expected);
+            return errorResponse(400, std::string("\"")
+                                          .append(name)
+                                          .append("\" is a JSON ")
+                                          .append(tovcli::jsonTypeName(member.value))
+                                          .append(", not a string: ")
+                                          .append(expected));
         }
         if (!members
                  .emplace(name,
                           std::string(member.value.GetString(), member.value.GetStringLength()))
                  .second) {
-            return errorResponse(400, "\"" + name + "\" is given twice: " + expected);
+            return errorResponse(
+                400, std::string("\"").append(name).append("\" is given twice: ").append(expected));
         }
     }
     for (const char* name : names) {

@@ -37,8 +37,11 @@ bool readExamples(const std::string& folder, std::uint64_t maxInputSize,
         const std::string request = inFolder(folder, "requests/" + example.name + ".json");
         if (example.name.empty() ||
             !tovcli::readInput(request, "request", maxInputSize, example.text, error)) {
-            error = "the scenario " + path + " names a request that cannot be read" +
-                    (error.empty() ? std::string() : ": " + error);
+            error = std::string("the scenario ")
+                        .append(path)
+                        .append(" names a request that cannot be read")
+                        .append(error.empty() ? "" : ": ")
+                        .append(error);
             return false;
         }
         examples.push_back(std::move(example));
@@ -102,7 +105,7 @@ bool readSuite(const std::string& path, std::uint64_t maxInputSize, PageSuite& s
     writer.StartArray();
     for (const auto& testCase : cases->GetArray()) {
         if (!writeCase(testCase, folder, maxInputSize, writer, error)) {
-            error = "suite " + path + ": " + error;
+            error = std::string("suite ").append(path).append(": ").append(error);
             return false;
         }
     }
