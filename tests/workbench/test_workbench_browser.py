@@ -117,8 +117,28 @@ def test_the_page_loads_the_examples(browser, bench):
     faults = by_test_id(browser, "faults").text
     assert "versioningSelections: Library_Item #1: offers no versioning attribute" in faults
     assert "rules 41:3" in faults
+    assert not by_test_id(browser, "save").is_displayed()
     assert browser.get_log("browser") == []
     screenshot(browser, "01-loaded.png")
+
+
+def test_without_its_token_the_page_says_where_to_find_it(browser, bench):
+    # A new tab keeps nothing of the others: its own session storage.
+    first = browser.current_window_handle
+    browser.switch_to.new_window("tab")
+    try:
+        browser.get(bench.url + "/")
+        wait_until(browser, lambda: by_test_id(browser, "notice").is_displayed(),
+                   "no notice was shown")
+        assert by_test_id(browser, "notice").text == (
+            "This page was opened without its token. Open the address that tov workbench "
+            "printed when it started (it ends in ?token=...).")
+        screenshot(browser, "07-without-token.png")
+        # The refusals are the browser's to log; nothing else may be.
+        assert all("403" in entry["message"] for entry in browser.get_log("browser"))
+    finally:
+        browser.close()
+        browser.switch_to.window(first)
 
 
 def test_a_misspelt_section_is_listed_with_its_line(browser, bench):
@@ -198,6 +218,41 @@ def test_an_answer_that_asks_for_more_says_which_section_to_add(browser, bench):
     assert by_test_id(browser, "verdict").text == "Approved"
     assert not by_test_id(browser, "advice").is_displayed()
     screenshot(browser, "05-approved.png")
+
+
+def test_the_edited_rules_are_downloaded(browser, bench, tmp_path):
+    open_page(browser, bench)
+    browser.execute_cdp_cmd("Browser.setDownloadBehavior",
+                            {"behavior": "allow", "downloadPath": str(tmp_path)})
+    browser.execute_script(
+        "const cm = document.querySelector('[data-test=rules-editor] .CodeMirror').CodeMirror;"
+        "cm.setValue(cm.getValue().replace('\"transitions\"', '\"transitionz\"'));")
+    by_test_id(browser, "download-rules").click()
+    downloaded = tmp_path / "rules.json"
+    wait_until(browser, lambda: downloaded.exists() and downloaded.stat().st_size > 0,
+               "the rules were never downloaded")
+    assert downloaded.read_text() == editor_text(browser, "rules-editor")
+    assert '"transitionz"' in downloaded.read_text()
+
+
+def test_write_saves_the_edited_documents(browser, tmp_path):
+    rules = tmp_path / "rules.json"
+    data_model = tmp_path / "datamodel.json"
+    rules.write_text((EXAMPLES / "rules.json").read_text())
+    data_model.write_text((EXAMPLES / "datamodel.json").read_text())
+    with Workbench("--write", "--rules", rules, "--dm", data_model) as writing:
+        open_page(browser, writing)
+        browser.execute_script(
+            "const cm = document.querySelector('[data-test=rules-editor] .CodeMirror').CodeMirror;"
+            "cm.replaceRange('\\n', {line: cm.lineCount(), ch: 0});")
+        edited = editor_text(browser, "rules-editor")
+        assert edited != rules.read_text()
+        by_test_id(browser, "save").click()
+        wait_until(browser, lambda: by_test_id(browser, "status").text.startswith("Saved"),
+                   "the documents were never saved")
+        assert by_test_id(browser, "status").text == "Saved %s and %s." % (rules, data_model)
+        assert rules.read_text() == edited
+        screenshot(browser, "08-saved.png")
 
 
 def test_the_example_suite_passes_in_the_test_pane(browser, bench):
