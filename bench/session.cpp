@@ -1,5 +1,7 @@
 #include "session.h"
 
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/entry_points.h"
 #include "workload.h"
 
 namespace tovbench {

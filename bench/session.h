@@ -5,7 +5,8 @@
 
 #include <string>
 
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVResponse.h"
 
 namespace tovbench {
 

@@ -13,6 +13,8 @@
 
 #include "json/json_types.h"
 #include "session.h"
+#include "tov/TOVEngine.h"
+#include "tov/entry_points.h"
 #include "workload.h"
 
 namespace {

@@ -25,6 +25,7 @@
 #include <string>
 
 #include "session.h"
+#include "tov/entry_points.h"
 #include "workload.h"
 
 namespace {

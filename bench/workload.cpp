@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "tov/tov.h"
+#include "tov/TOVJsonComposer.h"
+#include "tov/vocabulary.h"
 
 namespace tovbench {
 

@@ -32,6 +32,7 @@ set(TOV_SOURCES
   rules/TOVTriggersRulesJsonParser.cpp
   rules/TOVVersioningSelection.cpp
   rules/TOVVersioningSelectionRulesJsonParser.cpp
+  rules/rule_kinds.cpp
   # Request frame: response, core data, controller base
   frame/TOVActionController.cpp
   frame/TOVCoreDataControllers.cpp
@@ -55,6 +56,7 @@ set(TOV_SOURCES
   api/TOVTransactionController.cpp
   api/TOVVemoFrontdesk.cpp
   api/TOVEngine.cpp
+  api/document_faults.cpp
   api/log_setting.cpp
   api/request_kinds.cpp
   # C interface

@@ -14,7 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVLogger.h"
+#include "tov/TOVResponse.h"
 
 namespace tovtest {
 

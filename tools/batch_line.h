@@ -9,7 +9,9 @@
 
 #include "json_output.h"
 #include "request_kinds.h"
-#include "tov/tov.h"
+#include "tov/TOVResponse.h"
+
+class TOVCoreDataControllers;
 
 namespace tovcli {
 

@@ -11,6 +11,10 @@
 #include "api/log_setting.h"
 #include "json/json_types.h"
 #include "json_files.h"
+#include "tov/TOVResponse.h"
+#include "tov/document_faults.h"
+#include "tov/entry_points.h"
+#include "tov/rule_kinds.h"
 
 namespace tovcli {
 
@@ -37,33 +41,20 @@ std::vector<std::string> splitFaults(const std::string& comment) {
     }
 }
 
-// The library names the kind of rule at the start of each fault; the section
-// of the document follows from it.
-std::string sectionOfFault(Document::Kind kind, const std::string& fault) {
-    struct Section {
-        Document::Kind kind;
-        const char* ruleName;
-        const char* keyword;
-    };
-    static const std::array<Section, 10> kSections = {{
-        {Document::kRules, "Transition Freeze rule", "transitionsFreeze"},
-        {Document::kRules, "Transition rule", "transitions"},
-        {Document::kRules, "Triggers rule", "triggers"},
-        {Document::kRules, "File Constraint rule", "fileConstraints"},
-        {Document::kRules, "Conflict Resolution rule", "conflictResolutions"},
-        {Document::kRules, "Versioning Selection rule", "versioningSelections"},
-        {Document::kRules, "History Link rule", "historyLinks"},
-        {Document::kRules, "Manual Link rule", "manualLinks"},
-        {Document::kDataModel, "Structure object", "structureObjects"},
-        {Document::kDataModel, "DM Attribute", "structureObjects"},
-    }};
-    for (const Section& section : kSections) {
-        if (section.kind == kind &&
-            fault.compare(0, std::strlen(section.ruleName), section.ruleName) == 0) {
-            return section.keyword;
-        }
+// The section of each fault of a load that failed (its comment split at "|"),
+// as the library tells them when it reads the document again: the first piece
+// of a fault names its section, any further piece (a "|" within a name) none.
+std::vector<std::string> sectionsOfFaults(const Document& document, std::size_t faultCount) {
+    const std::vector<TOVDocumentFault> faults =
+        document.kind == Document::kRules ? FindTOVRulesDocumentFaults(document.path, true)
+                                          : FindTOV_DMInfoDocumentFaults(document.path, true);
+    std::vector<std::string> sections;
+    for (const TOVDocumentFault& fault : faults) {
+        sections.push_back(fault.section);
+        sections.resize(sections.size() + splitFaults(fault.message).size() - 1);
     }
-    return {};
+    sections.resize(faultCount);
+    return sections;
 }
 
 Finding noteOn(const Document& document, std::string message) {
@@ -212,14 +203,15 @@ bool findingsOfLoad(const Document& document, const TOVResponse& response,
     if (loaded) {
         findings.push_back({Finding::kLoaded, document.path, {}, {}, comment});
     } else {
-        for (std::string& fault : splitFaults(comment)) {
-            const bool unusable =
-                fault == kFundamentalParsingError || fault == kInsufficientInputData;
-            findings.push_back({Finding::kFault,
-                                document.path,
-                                sectionOfFault(document.kind, fault),
-                                {},
-                                std::move(fault)});
+        std::vector<std::string> faults = splitFaults(comment);
+        // Text that is no JSON object, or no text, has no sections to tell.
+        const bool unusable = faults.size() == 1 && (faults.front() == kFundamentalParsingError ||
+                                                     faults.front() == kInsufficientInputData);
+        std::vector<std::string> sections = unusable ? std::vector<std::string>(faults.size())
+                                                     : sectionsOfFaults(document, faults.size());
+        for (std::size_t i = 0; i < faults.size(); ++i) {
+            findings.push_back(
+                {Finding::kFault, document.path, std::move(sections[i]), {}, std::move(faults[i])});
             if (unusable) {
                 explainUnusableText(document, maxInputSize, findings);
             }
@@ -231,7 +223,7 @@ bool findingsOfLoad(const Document& document, const TOVResponse& response,
             message += " (" + std::to_string(notice.second) + " times)";
         }
         Finding note = noteOn(document, std::move(message));
-        note.section = "transitions";
+        note.section = GetTOVRuleKinds()[TOVRuleKind_Transition].section;
         findings.push_back(std::move(note));
     }
     return loaded;

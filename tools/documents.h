@@ -11,6 +11,7 @@
 
 #include "input_files.h"
 #include "session.h"
+#include "tov/TOVResponse.h"
 
 namespace tovcli {
 

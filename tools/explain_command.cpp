@@ -73,14 +73,19 @@ Command addExplainCommand(CLI::App& program) {
     addDocumentOptions(*command, options->documents, false);
     addLogOption(*command, options->log);
     addFormatOption(*command, options->format);
+    std::string kindsInWords;
+    for (const std::string& label : labelsInStoreOrder()) {
+        kindsInWords += (kindsInWords.empty() ? "" : ", ") + label;
+    }
     command->footer(helpText({
         "Output (standard output): one group per kind that has rules, in the order in which "
-        "the kinds are judged (transition freeze, history link, manual link, transition, "
-        "trigger, versioning selection, conflict resolution, file constraint), each rule "
-        "numbered in the store's order, which decides which rule a refusal names. \"<any>\" "
-        "stands for every object type (\"ALL\" in the document). With --dm the data model "
-        "is loaded too, so that its faults are told, and a last line tells which RLI object "
-        "types Library_Item stands for, when rules are written for it.",
+        "the kinds are judged (" +
+            kindsInWords +
+            "), each rule numbered in the store's order, which decides which rule a refusal "
+            "names. \"<any>\" "
+            "stands for every object type (\"ALL\" in the document). With --dm the data model "
+            "is loaded too, so that its faults are told, and a last line tells which RLI object "
+            "types Library_Item stands for, when rules are written for it.",
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over three lines.
         "With --format json: one object, {\"kinds\": [{\"kind\": ..., \"rules\": [sentence, "
         "...]}, ...]}, and \"libraryItem\" (a list of object types) when that last line "

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "json/json_types.h"
-#include "tov/tov.h"
+#include "tov/TOVResponse.h"
 
 namespace tovcli {
 

@@ -4,10 +4,18 @@
 #include <functional>
 
 #include "json_files.h"
+#include "tov/rule_kinds.h"
+#include "tov/string_helpers.h"
+#include "tov/vocabulary.h"
 
 namespace tovcli {
 
 namespace {
+
+// The section of a kind, as the library reads it.
+const char* sectionOf(TOVRuleKind kind) {
+    return GetTOVRuleKinds()[kind].section;
+}
 
 // Calls `visit` with every rule object of `section` written for an object type
 // that matches `objectType`.
@@ -115,7 +123,7 @@ LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::strin
             }
         });
     };
-    forEach("transitions", [&](const tovjson::Value& rule) {
+    forEach(sectionOf(TOVRuleKind_Transition), [&](const tovjson::Value& rule) {
         const std::string from = stringOf(rule, "fromValue");
         addValue(graph, from);
         const auto toValues = rule.FindMember("toValue");
@@ -134,7 +142,7 @@ LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::strin
             }
         }
     });
-    forEach("fileConstraints", [&](const tovjson::Value& rule) {
+    forEach(sectionOf(TOVRuleKind_FileConstraint), [&](const tovjson::Value& rule) {
         const std::string word = stringOf(rule, "updateFile");
         const char* label = word == TOVAttrItemValue_Mandatory   ? "file upload required"
                             : word == TOVAttrItemValue_Forbidden ? "no file upload"
@@ -143,7 +151,7 @@ LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::strin
             labelEdgesOf(graph, rule, label);
         }
     });
-    forEach("conflictResolutions", [&](const tovjson::Value& rule) {
+    forEach(sectionOf(TOVRuleKind_ConflictResolution), [&](const tovjson::Value& rule) {
         const std::string word = stringOf(rule, "conflictResolution");
         const char* forced = word == TOVAttrItemValue_Overwrite ? "forced overwrite"
                              : word == TOVAttrItemValue_Spinup  ? "forced spin-up"
@@ -154,21 +162,24 @@ LifecycleGraph buildLifecycleGraph(const tovjson::Value& rules, const std::strin
     });
     // A freeze of the attribute holds on every transition; one whose condition
     // is the attribute itself keeps its value from ever leaving.
-    forEachRule(rules, "transitionsFreeze", objectType, dataModel, [&](const tovjson::Value& rule) {
-        if (stringOf(rule, "attribute") != attribute) {
-            return;
-        }
-        const std::string condition = stringOf(rule, "freezeConditionAttribute");
-        const std::string value = stringOf(rule, "freezeConditionValue");
-        for (LifecycleEdge& edge : graph.edges) {
-            if (condition != attribute) {
-                edge.labels.push_back(
-                    std::string("frozen while ").append(condition).append(" is ").append(value));
-            } else if (areStringsEqualAccountingAlsoAnyValue(edge.from, value)) {
-                edge.labels.emplace_back("frozen");
-            }
-        }
-    });
+    forEachRule(rules, sectionOf(TOVRuleKind_TransitionFreeze), objectType, dataModel,
+                [&](const tovjson::Value& rule) {
+                    if (stringOf(rule, "attribute") != attribute) {
+                        return;
+                    }
+                    const std::string condition = stringOf(rule, "freezeConditionAttribute");
+                    const std::string value = stringOf(rule, "freezeConditionValue");
+                    for (LifecycleEdge& edge : graph.edges) {
+                        if (condition != attribute) {
+                            edge.labels.push_back(std::string("frozen while ")
+                                                      .append(condition)
+                                                      .append(" is ")
+                                                      .append(value));
+                        } else if (areStringsEqualAccountingAlsoAnyValue(edge.from, value)) {
+                            edge.labels.emplace_back("frozen");
+                        }
+                    }
+                });
     for (const std::string& value : graph.values) {
         const bool wayOut =
             std::any_of(graph.edges.begin(), graph.edges.end(), [&](const LifecycleEdge& edge) {

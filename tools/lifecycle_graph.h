@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "json/json_types.h"
-#include "tov/tov.h"
+#include "tov/TOV_DMStructure.h"
 
 namespace tovcli {
 

@@ -13,6 +13,7 @@
 #include "commands.h"
 #include "json_files.h"
 #include "session.h"
+#include "tov/entry_points.h"
 
 namespace {
 

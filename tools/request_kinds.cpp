@@ -1,21 +1,20 @@
 #include "request_kinds.h"
 
+#include "tov/request_kinds.h"
+
 namespace tovcli {
 
 const std::vector<RequestKind>& requestKinds() {
-    static const std::vector<RequestKind> kinds = {
-        {"edit", &EvaluateTOVEditAttempt, "may this edit be committed? (edit request)"},
-        {"edit-before-resolution", &EvaluateTOVEditAttemptBeforeConflictResolution,
-         "the same, leaving conflict resolution rules out (edit request)"},
-        {"save", &EvaluateTOVSaveReprFileAttempt,
-         "may this edit that uploads the representation file be saved? (edit request)"},
-        {"save-before-resolution", &EvaluateTOVSaveReprFileAttemptBeforeConflictResolution,
-         "the same, leaving conflict resolution rules out (edit request)"},
-        {"link", &EvaluateTOVManualLinkCreation,
-         "may this manual link be created? (link creation request)"},
-        {"options", &EvaluateTOVProperConflictResolutionOptions,
-         "which conflict resolutions are proper for this change? (options query)"},
-    };
+    // The library's kinds but the two documents, which are no questions.
+    static const std::vector<RequestKind> kinds = [] {
+        std::vector<RequestKind> questions;
+        for (const TOVRequestKind& kind : GetTOVRequestKinds()) {
+            if (!kind.isDocument) {
+                questions.push_back({kind.name, kind.fromText, kind.description});
+            }
+        }
+        return questions;
+    }();
     return kinds;
 }
 

@@ -1,11 +1,14 @@
-// The kinds of request the program evaluates, each with its entry point.
+// The kinds of request the program evaluates, each with its entry point: the
+// questions of the library's table of kinds (tov/request_kinds.h).
 #ifndef TOV_TOOLS_REQUEST_KINDS_H_
 #define TOV_TOOLS_REQUEST_KINDS_H_
 
 #include <string>
 #include <vector>
 
-#include "tov/tov.h"
+#include "tov/TOVResponse.h"
+
+class TOVCoreDataControllers;
 
 namespace tovcli {
 

@@ -1,21 +1,21 @@
 #include "rules_in_words.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <set>
 
 #include "json_output.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+#include "tov/rule_kinds.h"
+#include "tov/string_helpers.h"
+#include "tov/vocabulary.h"
 
 namespace tovcli {
 
 namespace {
-
-// The kinds as the store keeps them; the store's words carry the same labels.
-constexpr std::array<const char*, 8> kKindsInStoreOrder = {
-    "transition freeze", "history link",         "manual link",         "transition",
-    "trigger",           "versioning selection", "conflict resolution", "file constraint",
-};
 
 // A trigger is never reported as a violation, so the library has no sentence
 // for it; this one reads like the sentences of the other kinds.
@@ -33,9 +33,17 @@ std::string triggerInWords(const TOVTriggerDescription& trigger) {
 
 }  // namespace
 
+std::vector<std::string> labelsInStoreOrder() {
+    std::vector<std::string> labels;
+    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+        labels.emplace_back(kind.label);
+    }
+    return labels;
+}
+
 RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
     std::map<std::string, std::vector<std::string>> byKind;
-    std::vector<std::string> kinds(kKindsInStoreOrder.begin(), kKindsInStoreOrder.end());
+    std::vector<std::string> kinds = labelsInStoreOrder();
     for (const auto& entry : rules.expressRulesInWords()) {
         if (byKind.count(entry.first) == 0 &&
             std::find(kinds.begin(), kinds.end(), entry.first) == kinds.end()) {
@@ -44,7 +52,7 @@ RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
         byKind[entry.first].push_back(entry.second);
     }
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
-        byKind["trigger"].push_back(triggerInWords(trigger));
+        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(triggerInWords(trigger));
     }
     RuleGroups groups;
     for (const std::string& kind : kinds) {

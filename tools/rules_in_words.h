@@ -8,9 +8,14 @@
 #include <utility>
 #include <vector>
 
-#include "tov/tov.h"
+class TOVLifecycleBusinessRules;
+class TOV_DMStructure;
 
 namespace tovcli {
+
+// The labels of the kinds ("transition freeze", ...) in the order of the
+// store's lists, which is the order in which they are judged.
+std::vector<std::string> labelsInStoreOrder();
 
 // Kind ("transition freeze", ...) with the sentences of its rules.
 using RuleGroups = std::vector<std::pair<std::string, std::vector<std::string>>>;

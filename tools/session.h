@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <string>
 
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOV_DMStructure.h"
 
 namespace tovcli {
 

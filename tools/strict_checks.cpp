@@ -8,28 +8,35 @@
 #include <utility>
 
 #include "json_files.h"
+#include "tov/rule_kinds.h"
+#include "tov/string_helpers.h"
 
 namespace tovcli {
 
 namespace {
 
-const std::vector<std::string> kRuleSections = {
-    "triggers",        "transitions",         "transitionsFreeze",
-    "fileConstraints", "conflictResolutions", "versioningSelections",
-    "historyLinks",    "manualLinks",
-};
+// The sections of the rules document in the order in which the library reads
+// them, which is also the order in which near misses are weighed.
+std::vector<std::string> ruleSectionsInReadingOrder() {
+    std::vector<std::string> sections(TOVRuleKindCount);
+    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+        sections[kind.readingPosition] = kind.section;
+    }
+    return sections;
+}
 
-// The members of a rule, by section, that name an attribute of the object type.
-const std::map<std::string, std::vector<const char*>> kAttributeMembers = {
-    {"triggers", {"attribute", "triggerInitialize"}},
-    {"transitions", {"attribute"}},
-    {"transitionsFreeze", {"attribute", "freezeConditionAttribute"}},
-    {"fileConstraints", {"attribute"}},
-    {"conflictResolutions", {"attribute"}},
-    {"versioningSelections", {"conditionAttribute1", "conditionAttribute2"}},
-    {"historyLinks", {"attribute"}},
-    {"manualLinks", {"attribute"}},
-};
+const std::vector<std::string> kRuleSections = ruleSectionsInReadingOrder();
+
+// The members of a rule of `section` that name an attribute of the object type.
+const TOVWordList& attributeMembersOf(const std::string& section) {
+    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+        if (section == kind.section) {
+            return kind.attributeMembers;
+        }
+    }
+    static const TOVWordList none{nullptr, 0};
+    return none;
+}
 
 // A word of a fixed set, and what any other word loads as.
 struct FixedWords {
@@ -39,16 +46,21 @@ struct FixedWords {
     const char* otherwise;
 };
 
+// The section of a kind, as the library reads it.
+const char* sectionOf(TOVRuleKind kind) {
+    return GetTOVRuleKinds()[kind].section;
+}
+
 const std::array<FixedWords, 3> kRuleWords = {{
-    {"fileConstraints",
+    {sectionOf(TOVRuleKind_FileConstraint),
      "updateFile",
      {"FORBIDDEN", "MANDATORY"},
      "loads as no constraint, so the rule never forbids anything"},
-    {"conflictResolutions",
+    {sectionOf(TOVRuleKind_ConflictResolution),
      "updatesFile",
      {"YES", "NO", "N_A"},
      "loads as N_A, so the rule holds whether or not the file is updated"},
-    {"conflictResolutions",
+    {sectionOf(TOVRuleKind_ConflictResolution),
      "conflictResolution",
      {"overwrite", "spinup"},
      "loads as no constraint, so the rule never forces anything"},
@@ -202,7 +214,7 @@ private:
             return;  // an object type the data model lacks is told once for all its rules
         }
         std::vector<std::string> attributes;
-        for (const char* member : kAttributeMembers.at(rule.section)) {
+        for (const char* member : attributeMembersOf(rule.section)) {
             attributes.push_back(stringOf(body, member));
         }
         const auto options = body.FindMember("versioningOption");
@@ -324,7 +336,8 @@ private:
     void checkConflictResolutions(const std::vector<RuleAt>& rules) {
         std::vector<const RuleAt*> forcing;
         for (const RuleAt& rule : rules) {
-            if (rule.section == "conflictResolutions" && rule.rule->IsObject()) {
+            if (rule.section == sectionOf(TOVRuleKind_ConflictResolution) &&
+                rule.rule->IsObject()) {
                 forcing.push_back(&rule);
             }
         }

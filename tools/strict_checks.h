@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "documents.h"
-#include "tov/tov.h"
+#include "tov/TOV_DMStructure.h"
 
 namespace tovcli {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "request_kinds.h"
-#include "tov/tov.h"
+#include "tov/TOVResponse.h"
 
 namespace tovcli {
 

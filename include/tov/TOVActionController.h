@@ -33,6 +33,10 @@ protected:
     TOVActionController(TOVFunctionality functionality,
                         const std::map<std::string, std::string>& labeledInput,
                         TOVCoreDataControllers* coreData);
+    // Takes the input over, so that a large document is held once.
+    TOVActionController(TOVFunctionality functionality,
+                        std::map<std::string, std::string>&& labeledInput,
+                        TOVCoreDataControllers* coreData);
 
     virtual bool isInputDataSufficient() = 0;
     virtual bool parseInputData(TOVResponse& response) = 0;

@@ -30,6 +30,9 @@ public:
     // fields stay empty until the query is parsed.
     TOVConflictsResolutionOptionsFinder(const std::map<std::string, std::string>& labeledInput,
                                         TOVCoreDataControllers* coreData);
+    // The same, taking the input over, so that the request is held once.
+    TOVConflictsResolutionOptionsFinder(std::map<std::string, std::string>&& labeledInput,
+                                        TOVCoreDataControllers* coreData);
     // For a change known in code: call evaluateRequest directly.
     TOVConflictsResolutionOptionsFinder(const std::string& objectType,
                                         const AttributesMap& initialAttributes,

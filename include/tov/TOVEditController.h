@@ -30,7 +30,6 @@ class TOVConflictResolution;
 class TOVFileConstraint;
 class TOVHistoryLink;
 class TOVManualLink;
-class TOVManualOrHistoryLinkJsonParser;
 class TOVTransition;
 class TOVTransitionFreeze;
 
@@ -40,6 +39,10 @@ public:
     // (`updatingReprFile`) or a plain edit, judged with or without the
     // conflict resolution rules. All four report functionality 3 to the base.
     TOVEditController(const std::map<std::string, std::string>& labeledInput,
+                      TOVCoreDataControllers* coreData, bool updatingReprFile,
+                      bool ignoreConflictResolutionErrors);
+    // The same, taking the input over, so that the request is held once.
+    TOVEditController(std::map<std::string, std::string>&& labeledInput,
                       TOVCoreDataControllers* coreData, bool updatingReprFile,
                       bool ignoreConflictResolutionErrors);
     TOVEditController(const TOVEditController& other) = default;
@@ -69,11 +72,15 @@ public:
     // server id under "ServerId".
     const std::vector<AttributesMap>& getHistoryLinks() const { return historyLinks; }
     void setHistoryLinks(const std::vector<AttributesMap>& links) { historyLinks = links; }
+    void setHistoryLinks(std::vector<AttributesMap>&& links) { historyLinks = std::move(links); }
     bool haveHistoryLinksDataBeenProvided() const { return historyLinksDataProvided; }
     void setHistoryLinksDataHaveBeenProvided(bool provided) { historyLinksDataProvided = provided; }
     const std::vector<AttributesMap>& getManualLinkAncestors() const { return manualLinkAncestors; }
     void setManualLinkAncestors(const std::vector<AttributesMap>& ancestors) {
         manualLinkAncestors = ancestors;
+    }
+    void setManualLinkAncestors(std::vector<AttributesMap>&& ancestors) {
+        manualLinkAncestors = std::move(ancestors);
     }
     bool haveManualLinkAncestorsDataBeenProvided() const { return manualLinkAncestorsDataProvided; }
     void setManualLinkAncestorsDataHaveBeenProvided(bool provided) {
@@ -128,17 +135,12 @@ protected:
     bool editsPropertiesUsedForObjectFamilyDetection();
 
 private:
-    // The member parsers fill the linked objects through the appenders.
-    friend class TOVManualOrHistoryLinkJsonParser;
-
     // --- Post-processing of a successful parse ---
     void postProcessTheParsedData();
     void calculateAttributesToEdit();
     void calculateAllAttributeNames();
     void sanitizeToValues();
     void updateToValuesWithTheRepresentationFileUpdate();
-    void appendAnotherHistoryLinkObject(const AttributesMap& entry);
-    void appendAnotherManualAncestorObject(const AttributesMap& entry);
 
     void calculateEditsPropertiesUsedForFamilyDetection();
     bool calculateEditsPropertiesUsedForFamilyDetectionCore(
@@ -152,7 +154,9 @@ private:
     bool foundHistoryLinkViolation(TOVResponse& response);
     bool foundManualLinkViolation(TOVResponse& response);
 
-    bool getFirstTransitionFreezeRuleViolation(TOVTransitionFreeze& violated);
+    // The last edited attribute that a rule freezes decides which rule the
+    // refusal names: the first rule, in store order, that freezes it.
+    bool getLastTransitionFreezeRuleViolation(TOVTransitionFreeze& violated);
     bool getFirstTransitionRuleViolation(TOVTransition& violated);
     bool getFirstFileConstraintRuleViolation(TOVFileConstraint& violated);
     bool getFirstConflictResolutionViolation(TOVConflictResolution& violated);
@@ -164,14 +168,6 @@ private:
     bool shouldIgnoreTransitionRule(const TOVTransition& rule);
     bool shouldCheckForConflictResolutionViolations();
 
-    void composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,
-                                               const AttributesMap& offendingEntry,
-                                               bool missingData, std::string& comment);
-    void composeCommentForManualLinkViolation(const TOVManualLink& rule,
-                                              const AttributesMap& offendingEntry, bool missingData,
-                                              std::string& comment);
-    void markResponseWithHistoryLinkMissingData(TOVResponse& response);
-    void markResponseWithManualLinkMissingData(TOVResponse& response);
     bool isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response);
     bool isResponseMarkedWithManualLinkMissingData(const TOVResponse& response);
 

@@ -13,6 +13,9 @@ public:
     // Empties the rule store at once, before the input is looked at.
     TOVInitializerController(const std::map<std::string, std::string>& labeledInput,
                              TOVCoreDataControllers* coreData);
+    // The same, taking the input over, so that the request is held once.
+    TOVInitializerController(std::map<std::string, std::string>&& labeledInput,
+                             TOVCoreDataControllers* coreData);
     ~TOVInitializerController() override;
 
     // "All_TOV_rules".

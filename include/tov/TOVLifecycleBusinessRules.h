@@ -5,29 +5,35 @@
 #define TOV_TOVLIFECYCLEBUSINESSRULES_H_
 
 #include <cstddef>
+#include <memory>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
-#include "tov/TOVConflictResolution.h"
-#include "tov/TOVFileConstraint.h"
-#include "tov/TOVHistoryLink.h"
-#include "tov/TOVManualLink.h"
-#include "tov/TOVTransition.h"
-#include "tov/TOVTransitionFreeze.h"
-#include "tov/TOVTrigger.h"
-#include "tov/TOVVersioningSelection.h"
 #include "tov/export.h"
+#include "tov/rule_kinds.h"
 #include "tov/vocabulary.h"
 
+class TOVConflictResolution;
+class TOVFileConstraint;
+class TOVHistoryLink;
 class TOVLogger;
+class TOVManualLink;
+class TOVTransition;
+class TOVTransitionFreeze;
+class TOVTrigger;
+class TOVVersioningSelection;
 class TOV_DMStructure;
+struct TOVTriggerDescription;
 
 class TOV_API TOVLifecycleBusinessRules {
 public:
     TOVLifecycleBusinessRules();
+    // A copy holds copies of every rule; lookups on it hand out its own.
+    TOVLifecycleBusinessRules(const TOVLifecycleBusinessRules& other);
+    TOVLifecycleBusinessRules& operator=(const TOVLifecycleBusinessRules& other);
+    ~TOVLifecycleBusinessRules();
 
     // Each setter replaces a whole list by a copy; each appender copies one rule
     // to the end of its list, or moves it there when it is handed over.
@@ -128,6 +134,16 @@ public:
     // ("<any>" for "ALL"), each once, for tools that hold them against the data model.
     std::set<std::string> collectObjectTypesOfRules() const;
 
+    // How many rules of `kind` the store holds, and where the one at `index`,
+    // in the store's order (the order of judging, of the debug print and of
+    // the words above), stood in its section of the rules document: 0 for the
+    // first rule the section listed, counted across its object types in the
+    // order of the document. For a list set whole, its place in that list.
+    // Tools number rules by it alike in every command. SIZE_MAX for an index
+    // past the end.
+    std::size_t countRules(TOVRuleKind kind) const;
+    std::size_t documentPositionOfRule(TOVRuleKind kind, std::size_t index) const;
+
     // Every list under its heading, in a fixed order.
     void printContentsDBG(TOVLogger* logger) const;
     void printTransitionsFreezeContentsDBG(TOVLogger* logger) const;
@@ -140,87 +156,22 @@ public:
     void printFileConstraintsDBG(TOVLogger* logger) const;
 
 private:
-    const std::vector<TOVTransitionFreeze>& getTransitionsFreeze() const {
-        return transitionsFreeze;
-    }
-    const std::vector<TOVHistoryLink>& getHistoryLinks() const { return historyLinks; }
-    const std::vector<TOVManualLink>& getManualLinks() const { return manualLinks; }
-    const std::vector<TOVTransition>& getTransitions() const { return transitions; }
-    const std::vector<TOVFileConstraint>& getFileConstraints() const { return fileConstraints; }
-    const std::vector<TOVVersioningSelection>& getVersioningAttributesSelections() const {
-        return versioningSelections;
-    }
-    const std::vector<TOVConflictResolution>& getConflictsResolutions() const {
-        return conflictResolutions;
-    }
-    const std::vector<TOVTrigger>& getTriggers() const { return triggers; }
+    // The eight lists, each with its index (rules/rule_list.h), behind one
+    // pointer, so that this header needs none of the rule classes.
+    struct Lists;
+    // Reads for the lists what the rule classes keep private: as a member of
+    // the store it shares the store's friendship with them.
+    struct RuleAccess;
 
-    // Positions in one list grouped by the case-folded object type of their
-    // rules, each group in stored order: a lookup visits only the groups that
-    // can match the asked type ("<any>" and "library_item" are groups too).
-    using PositionsByObjectType = std::unordered_map<std::string, std::vector<std::size_t>>;
-
-    // Shared bodies of the lookups and prints; the rules' accessors are private
-    // to everyone but the store.
-    template <typename Rule, typename Holds>
-    static bool selectRules(const std::vector<Rule>& rules, const PositionsByObjectType& index,
-                            const std::string& objectType, const TOV_DMStructure* structure,
-                            std::vector<const Rule*>& related, Holds&& holds);
-    template <typename Rule>
-    static bool selectRelatedRules(const std::vector<Rule>& rules,
-                                   const PositionsByObjectType& index,
-                                   const std::string& objectType,
-                                   const std::vector<std::string>& attributes,
-                                   const TOV_DMStructure* structure,
-                                   std::vector<const Rule*>& related);
-    template <typename Rule>
-    static bool selectRelatedLinkRules(
-        const std::vector<Rule>& rules, const PositionsByObjectType& index,
-        const std::string& objectType, const std::vector<std::string>& attributes,
-        const AttributesMap& fromValues, const AttributesMap& toValues,
-        const TOV_DMStructure* structure, std::vector<const Rule*>& related);
-    // Calls `visit(list, index, heading, label)` on each of the eight lists of
-    // `store`, const or not.
-    template <typename Store, typename Visit>
-    static void forEachRuleList(Store& store, Visit&& visit);
-    template <typename Rule>
-    static void sortRulesOfKind(std::vector<Rule>& rules);
-    template <typename Rule>
-    static void indexRules(const std::vector<Rule>& rules, PositionsByObjectType& index);
-    template <typename Rule>
-    static void replaceRules(std::vector<Rule>& rules, PositionsByObjectType& index,
-                             const std::vector<Rule>& replacement);
-    template <typename Rule>
-    static void appendRule(std::vector<Rule>& rules, PositionsByObjectType& index, Rule rule);
-    template <typename Rule>
-    static void printRules(const char* heading, const std::vector<Rule>& rules, TOVLogger* logger);
     template <typename Rule>
     void printRulesOfKind(TOVLogger* logger) const;
-
     void printDetailsOfScenarioLookingForRelatedRules(const char* heading,
                                                       const std::string& objectType,
                                                       const std::vector<std::string>& attributes,
                                                       const AttributesMap& toValues, int count,
                                                       TOVLogger* logger) const;
 
-    std::vector<TOVTransitionFreeze> transitionsFreeze;
-    std::vector<TOVHistoryLink> historyLinks;
-    std::vector<TOVManualLink> manualLinks;
-    std::vector<TOVTransition> transitions;
-    std::vector<TOVFileConstraint> fileConstraints;
-    std::vector<TOVVersioningSelection> versioningSelections;
-    std::vector<TOVConflictResolution> conflictResolutions;
-    std::vector<TOVTrigger> triggers;
-
-    // Built by every operation that changes a list, so never stale.
-    PositionsByObjectType transitionsFreezeIndex;
-    PositionsByObjectType historyLinksIndex;
-    PositionsByObjectType manualLinksIndex;
-    PositionsByObjectType transitionsIndex;
-    PositionsByObjectType fileConstraintsIndex;
-    PositionsByObjectType versioningSelectionsIndex;
-    PositionsByObjectType conflictResolutionsIndex;
-    PositionsByObjectType triggersIndex;
+    std::unique_ptr<Lists> lists;
 };
 
 #endif  // TOV_TOVLIFECYCLEBUSINESSRULES_H_

@@ -18,6 +18,9 @@ class TOV_API TOVLinkController : public TOVActionController {
 public:
     TOVLinkController(const std::map<std::string, std::string>& labeledInput,
                       TOVCoreDataControllers* coreData);
+    // The same, taking the input over, so that the request is held once.
+    TOVLinkController(std::map<std::string, std::string>&& labeledInput,
+                      TOVCoreDataControllers* coreData);
     ~TOVLinkController() override;
 
     // "All_link_creation_values"; the name keeps its historical spelling.

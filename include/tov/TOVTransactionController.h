@@ -18,6 +18,11 @@ public:
     TOVTransactionController(TOVFunctionality functionality,
                              std::map<std::string, std::string>& labeledInput,
                              TOVCoreDataControllers* coreData);
+    // The same, and the controller takes the input over, so that a large
+    // document is held once; without a controller it stays where it was.
+    TOVTransactionController(TOVFunctionality functionality,
+                             std::map<std::string, std::string>&& labeledInput,
+                             TOVCoreDataControllers* coreData);
     TOVTransactionController(const TOVTransactionController&) = delete;
     // Copies the controller pointer as it stands, without regard to ownership:
     // both transactions would then delete it. Nothing in the library uses it.

@@ -13,6 +13,9 @@ public:
     // Empties the data-model information at once, before the input is looked at.
     TOV_DMInfoInitializerController(const std::map<std::string, std::string>& labeledInput,
                                     TOVCoreDataControllers* coreData);
+    // The same, taking the input over, so that the request is held once.
+    TOV_DMInfoInitializerController(std::map<std::string, std::string>&& labeledInput,
+                                    TOVCoreDataControllers* coreData);
     ~TOV_DMInfoInitializerController() override;
 
     // "All_DM_Info".

@@ -21,7 +21,7 @@ std::shared_ptr<TOVLogger> loggerTo(const std::string& libraryFolder) {
 // `kind` is one of the two documents.
 TOVResponse loadDocument(const char* kind, const std::string& input, bool inputIsFilePath,
                          TOVCoreDataControllers* core) {
-    const tovapi::RequestKind* document = tovapi::findRequestKind(kind);
+    const TOVRequestKind* document = tovapi::findRequestKind(kind);
     return (inputIsFilePath ? document->fromFile : document->fromText)(input, core);
 }
 
@@ -39,7 +39,7 @@ TOVEngineGeneration::~TOVEngineGeneration() = default;
 
 TOVResponse TOVEngineGeneration::evaluate(const std::string& kind, const std::string& input,
                                           bool inputIsFilePath) const {
-    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
+    const TOVRequestKind* found = tovapi::findRequestKind(kind.c_str());
     if (found == nullptr || found->isDocument) {
         return tovapi::unknownKindResponse(kind);
     }
@@ -112,7 +112,7 @@ TOVResponse TOVEngine::answer(const std::string& kind, const std::string& input,
 void TOVEngine::evaluateAndHandOn(const std::string& kind, const std::string& input,
                                   bool inputIsFilePath,
                                   const std::function<void(const TOVResponse&)>& handOn) {
-    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
+    const TOVRequestKind* found = tovapi::findRequestKind(kind.c_str());
     if (found == nullptr) {
         handOn(tovapi::unknownKindResponse(kind));
     } else if (found->isDocument) {
@@ -188,7 +188,7 @@ bool TOVEngine::setLog(const std::string& where, std::string& whyNot) {
 const std::vector<std::string>& TOVEngine::kindNames() {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> words;
-        for (const tovapi::RequestKind& kind : tovapi::requestKinds()) {
+        for (const TOVRequestKind& kind : GetTOVRequestKinds()) {
             words.emplace_back(kind.name);
         }
         return words;
@@ -197,6 +197,6 @@ const std::vector<std::string>& TOVEngine::kindNames() {
 }
 
 bool TOVEngine::isDocumentKind(const std::string& kind) {
-    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
+    const TOVRequestKind* found = tovapi::findRequestKind(kind.c_str());
     return found != nullptr && found->isDocument;
 }

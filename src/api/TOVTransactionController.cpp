@@ -1,5 +1,6 @@
 #include "tov/TOVTransactionController.h"
 
+#include "api/factory.h"
 #include "tov/TOVActionController.h"
 
 TOVTransactionController::TOVTransactionController(TOVFunctionality functionality,
@@ -8,6 +9,11 @@ TOVTransactionController::TOVTransactionController(TOVFunctionality functionalit
     : actionController(nullptr) {
     initializeProperController(functionality, labeledInput, coreData);
 }
+
+TOVTransactionController::TOVTransactionController(
+    TOVFunctionality functionality, std::map<std::string, std::string>&& labeledInput,
+    TOVCoreDataControllers* coreData)
+    : actionController(createControllerTakingInput(functionality, labeledInput, coreData)) {}
 
 TOVTransactionController& TOVTransactionController::operator=(
     const TOVTransactionController& other) = default;

@@ -1,5 +1,7 @@
 #include "api/TOVVemoFrontdesk.h"
 
+#include <utility>
+
 #include "foundation/log_reading.h"
 #include "tov/TOVTransactionController.h"
 
@@ -8,7 +10,9 @@ TOVVemoFrontdesk::TOVVemoFrontdesk(TOVFunctionality functionality) : TOVFrontdes
 TOVVemoFrontdesk::~TOVVemoFrontdesk() = default;
 
 void TOVVemoFrontdesk::serveLabeledInput() {
-    TOVTransactionController transaction(getFunctionalityIdentifier(), getLabeledInput(),
+    // The controller takes the input over: a request is held once on its way
+    // to the parser, and the front desk serves once.
+    TOVTransactionController transaction(getFunctionalityIdentifier(), std::move(getLabeledInput()),
                                          getTOVBrain());
     // Without a controller there is nothing to run: the response stays as it is.
     if (transaction.hasController()) {

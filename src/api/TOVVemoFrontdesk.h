@@ -11,6 +11,8 @@ public:
     explicit TOVVemoFrontdesk(TOVFunctionality functionality);
     ~TOVVemoFrontdesk();
 
+    // Hands the labelled input over to the controller it serves it with,
+    // unless no controller serves the functionality.
     void serveLabeledInput() override;
 
     // Points the front desk at the caller's core data without owning it.

@@ -1,4 +1,8 @@
+#include "api/factory.h"
+
+#include <cstdint>
 #include <string>
+#include <utility>
 
 #include "tov/TOVConflictsResolutionOptionsFinder.h"
 #include "tov/TOVCoreDataControllers.h"
@@ -9,31 +13,30 @@
 #include "tov/TOVTransactionController.h"
 #include "tov/TOV_DMInfoInitializerController.h"
 
-// The installed declaration takes the input by value.
-// NOLINTBEGIN(performance-unnecessary-value-param)
-TOVActionController* createProperController(TOVFunctionality functionality,
-                                            std::map<std::string, std::string> labeledInput,
-                                            TOVCoreDataControllers* coreData) {
-    // NOLINTEND(performance-unnecessary-value-param)
+TOVActionController* createControllerTakingInput(TOVFunctionality functionality,
+                                                 std::map<std::string, std::string>& labeledInput,
+                                                 TOVCoreDataControllers* coreData) {
+    // Moved only into a controller that is built, so that a functionality
+    // without one leaves the input as it was.
     switch (functionality) {
         case TOVFunctionality_InitializeRules:
-            return new TOVInitializerController(labeledInput, coreData);
+            return new TOVInitializerController(std::move(labeledInput), coreData);
         case TOVFunctionality_InitializeDMInfo:
-            return new TOV_DMInfoInitializerController(labeledInput, coreData);
+            return new TOV_DMInfoInitializerController(std::move(labeledInput), coreData);
         // The four edit flavours differ only in the two bools: a save attempt,
         // and whether conflict resolution rules are left out.
         case TOVFunctionality_EditAttemptBeforeConflictResolution:
-            return new TOVEditController(labeledInput, coreData, false, true);
+            return new TOVEditController(std::move(labeledInput), coreData, false, true);
         case TOVFunctionality_EditAttempt:
-            return new TOVEditController(labeledInput, coreData, false, false);
+            return new TOVEditController(std::move(labeledInput), coreData, false, false);
         case TOVFunctionality_SaveReprFileAttemptBeforeConflictResolution:
-            return new TOVEditController(labeledInput, coreData, true, true);
+            return new TOVEditController(std::move(labeledInput), coreData, true, true);
         case TOVFunctionality_SaveReprFileAttempt:
-            return new TOVEditController(labeledInput, coreData, true, false);
+            return new TOVEditController(std::move(labeledInput), coreData, true, false);
         case TOVFunctionality_ProperConflictResolutionOptions:
-            return new TOVConflictsResolutionOptionsFinder(labeledInput, coreData);
+            return new TOVConflictsResolutionOptionsFinder(std::move(labeledInput), coreData);
         case TOVFunctionality_ManualLinkCreation:
-            return new TOVLinkController(labeledInput, coreData);
+            return new TOVLinkController(std::move(labeledInput), coreData);
         default: {
             // A functionality without a controller is a programmer's error.
             const std::string message = "ATTENTION!!! YOU FORGOT TO ADD " +
@@ -43,4 +46,14 @@ TOVActionController* createProperController(TOVFunctionality functionality,
             return nullptr;
         }
     }
+}
+
+// The installed declaration takes the input by value: the caller's copy is
+// handed on to the controller.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+TOVActionController* createProperController(TOVFunctionality functionality,
+                                            std::map<std::string, std::string> labeledInput,
+                                            TOVCoreDataControllers* coreData) {
+    // NOLINTEND(performance-unnecessary-value-param)
+    return createControllerTakingInput(functionality, labeledInput, coreData);
 }

@@ -4,32 +4,44 @@
 
 #include "tov/entry_points.h"
 
-namespace tovapi {
-
 namespace {
 
-constexpr std::array<RequestKind, 8> kKinds = {{
-    {"rules", true, &InitializeTOVRules, &InitializeTOVRulesFromFile},
-    {"datamodel", true, &InitializeTOV_DMInfo, &InitializeTOV_DMInfoFromFile},
-    {"edit", false, &EvaluateTOVEditAttempt, &EvaluateTOVEditAttemptFromFile},
+constexpr std::array<TOVRequestKind, TOVRequestKindCount> kKinds = {{
+    {"rules", true, &InitializeTOVRules, &InitializeTOVRulesFromFile,
+     "replace the rules (rules document, all or nothing)"},
+    {"datamodel", true, &InitializeTOV_DMInfo, &InitializeTOV_DMInfoFromFile,
+     "replace the data-model information (data-model document, all or nothing)"},
+    {"edit", false, &EvaluateTOVEditAttempt, &EvaluateTOVEditAttemptFromFile,
+     "may this edit be committed? (edit request)"},
     {"edit-before-resolution", false, &EvaluateTOVEditAttemptBeforeConflictResolution,
-     &EvaluateTOVEditAttemptBeforeConflictResolutionFromFile},
-    {"save", false, &EvaluateTOVSaveReprFileAttempt, &EvaluateTOVSaveReprFileAttemptFromFile},
+     &EvaluateTOVEditAttemptBeforeConflictResolutionFromFile,
+     "the same, leaving conflict resolution rules out (edit request)"},
+    {"save", false, &EvaluateTOVSaveReprFileAttempt, &EvaluateTOVSaveReprFileAttemptFromFile,
+     "may this edit that uploads the representation file be saved? (edit request)"},
     {"save-before-resolution", false, &EvaluateTOVSaveReprFileAttemptBeforeConflictResolution,
-     &EvaluateTOVSaveReprFileAttemptBeforeConflictResolutionFromFile},
-    {"link", false, &EvaluateTOVManualLinkCreation, &EvaluateTOVManualLinkCreationFromFile},
+     &EvaluateTOVSaveReprFileAttemptBeforeConflictResolutionFromFile,
+     "the same, leaving conflict resolution rules out (edit request)"},
+    {"link", false, &EvaluateTOVManualLinkCreation, &EvaluateTOVManualLinkCreationFromFile,
+     "may this manual link be created? (link creation request)"},
     {"options", false, &EvaluateTOVProperConflictResolutionOptions,
-     &EvaluateTOVProperConflictResolutionOptionsFromFile},
+     &EvaluateTOVProperConflictResolutionOptionsFromFile,
+     "which conflict resolutions are proper for this change? (options query)"},
 }};
 
 }  // namespace
 
-const std::array<RequestKind, 8>& requestKinds() {
+const std::array<TOVRequestKind, TOVRequestKindCount>& GetTOVRequestKinds() {
     return kKinds;
 }
 
-const RequestKind* findRequestKind(const char* name) {
-    for (const RequestKind& kind : kKinds) {
+const TOVRequestKind* FindTOVRequestKind(const std::string& name) {
+    return tovapi::findRequestKind(name.c_str());
+}
+
+namespace tovapi {
+
+const TOVRequestKind* findRequestKind(const char* name) {
+    for (const TOVRequestKind& kind : kKinds) {
         if (std::strcmp(name, kind.name) == 0) {
             return &kind;
         }

@@ -37,14 +37,18 @@ bool TOV_DMInfoJsonParser::parseStructureObjects() {
     }
     tovjson::Value list;
     if (!getJsonArraySection(document, kStructureObjects, list)) {
-        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
+        return failForDocument(notAllNecessaryKeywordsFoundParsingError(""));
     }
     // One parser for the whole list, so that it remembers the last name read.
     TOV_DMStructureObjectJsonParser objectParser;
     int index = 0;
     for (const tovjson::Value& element : list.GetArray()) {
         if (!objectParser.parseStructureObject(element, index, structure)) {
-            appendToParsingErrorComment(objectParser.getParsingErrorComment().c_str());
+            const std::string comment = objectParser.getParsingErrorComment();
+            if (!comment.empty()) {
+                sectionFaults.emplace_back(kStructureObjects, comment);
+            }
+            appendToParsingErrorComment(comment.c_str());
             updateParsingResult(objectParser.getParsingResult());
             return false;
         }
@@ -59,12 +63,19 @@ bool TOV_DMInfoJsonParser::parseOverwriteLabel() {
     }
     tovjson::Value labelValue;
     if (!getJsonStringSection(document, kOverwriteLabel, labelValue)) {
-        return failWith(notAllNecessaryKeywordsFoundParsingError(""));
+        return failForDocument(notAllNecessaryKeywordsFoundParsingError(""));
     }
     std::string label;
     collectStringFromValue(labelValue, label);
     structure->setOverwriteLabel(label);
     return true;
+}
+
+bool TOV_DMInfoJsonParser::failForDocument(const std::string& message) {
+    if (!message.empty()) {
+        sectionFaults.emplace_back(std::string(), message);
+    }
+    return failWith(message);
 }
 
 std::string TOV_DMInfoJsonParser::getRuleName() {

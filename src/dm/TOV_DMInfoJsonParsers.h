@@ -2,6 +2,7 @@
 #define TOV_DM_TOV_DMINFOJSONPARSERS_H_
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "json/TOVJsonParser.h"
@@ -13,6 +14,10 @@ class TOV_DMStructure;
 // The top parser of the data-model document.
 class TOV_DMInfoJsonParser : public TOVJsonParser {
 public:
+    // A section's key and what was said about it; the key is empty for a
+    // fault of the document as a whole, such as a missing member.
+    using SectionFaults = std::vector<std::pair<std::string, std::string>>;
+
     explicit TOV_DMInfoJsonParser(TOV_DMStructure* structure);
     ~TOV_DMInfoJsonParser() override;
 
@@ -24,13 +29,22 @@ public:
     bool parseStructureObjects();
     bool parseOverwriteLabel();
 
+    // Each message of the comment with the section it concerns, in the order
+    // of the comment: so that a tool can tell where a fault lies without
+    // reading the message.
+    const SectionFaults& getSectionFaults() const { return sectionFaults; }
+
 protected:
     std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 
 private:
+    // failWith, keeping the message as the document's.
+    bool failForDocument(const std::string& message);
+
     TOV_DMStructure* structure;
     tovjson::Document document;
+    SectionFaults sectionFaults;
 };
 
 // Reads the elements of "structureObjects"; one instance serves the whole list.

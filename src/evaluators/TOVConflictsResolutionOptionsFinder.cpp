@@ -1,6 +1,7 @@
 #include "tov/TOVConflictsResolutionOptionsFinder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "evaluators/TOVConflictsResolutionOptionsFinderParser.h"
 #include "frame/input_labels.h"
@@ -12,7 +13,12 @@
 
 TOVConflictsResolutionOptionsFinder::TOVConflictsResolutionOptionsFinder(
     const std::map<std::string, std::string>& labeledInput, TOVCoreDataControllers* coreData)
-    : TOVActionController(TOVFunctionality_ProperConflictResolutionOptions, labeledInput,
+    : TOVConflictsResolutionOptionsFinder(std::map<std::string, std::string>(labeledInput),
+                                          coreData) {}
+
+TOVConflictsResolutionOptionsFinder::TOVConflictsResolutionOptionsFinder(
+    std::map<std::string, std::string>&& labeledInput, TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_ProperConflictResolutionOptions, std::move(labeledInput),
                           coreData) {}
 
 TOVConflictsResolutionOptionsFinder::TOVConflictsResolutionOptionsFinder(
@@ -63,8 +69,21 @@ bool TOVConflictsResolutionOptionsFinder::parseInputData(TOVResponse& response) 
     const std::string& input =
         getInputWithThisLabel(getInputDataLabelIdentifierForConflictsResolutionOptionsQuery());
 
-    TOVConflictsResolutionOptionsFinderParser parser(this);
-    return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+    TOVConflictsResolutionOptionsFinderParser parser;
+    const bool parsed = parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+    // Through the setters, also after a fault, so that the finder holds what
+    // the parse read. The upload flag comes last, since it adds to the target
+    // attributes that replace the map.
+    OptionsQuery query = parser.takeQuery();
+    setObjectType(query.objectType);
+    setInitialAttributes(std::move(query.initialAttributes));
+    setTargetAttributes(std::move(query.targetAttributes));
+    if (query.uploadsRepresentationFile) {
+        addTargetAttribute(TOVAttrItemName_DoesUploadFile, *query.uploadsRepresentationFile
+                                                               ? TOVAttrItemValue_True
+                                                               : TOVAttrItemValue_False);
+    }
+    return parsed;
 }
 
 bool TOVConflictsResolutionOptionsFinder::evaluateRequest(TOVResponse& response) {

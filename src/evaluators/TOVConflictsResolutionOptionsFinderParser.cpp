@@ -2,11 +2,7 @@
 
 #include <utility>
 
-#include "tov/TOVConflictsResolutionOptionsFinder.h"
-
-TOVConflictsResolutionOptionsFinderParser::TOVConflictsResolutionOptionsFinderParser(
-    TOVConflictsResolutionOptionsFinder* finder)
-    : finder(finder) {}
+TOVConflictsResolutionOptionsFinderParser::TOVConflictsResolutionOptionsFinderParser() = default;
 
 TOVConflictsResolutionOptionsFinderParser::~TOVConflictsResolutionOptionsFinderParser() = default;
 
@@ -18,7 +14,7 @@ bool TOVConflictsResolutionOptionsFinderParser::load(const std::string& input,
 bool TOVConflictsResolutionOptionsFinderParser::parseAllSections() {
     return runSectionParsers<TOVVersionerObjectTypeJsonParser, TOVVersionerInitialAttributesParser,
                              TOVVersionerTargetAttributesParser, TOVUploadsReprFileParser>(document,
-                                                                                           finder);
+                                                                                           query);
 }
 
 TOVVersionerObjectTypeJsonParser::~TOVVersionerObjectTypeJsonParser() = default;
@@ -31,13 +27,12 @@ void TOVVersionerObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::
     keywords.emplace_back(TOVTransitionJson_ObjectType);
 }
 
-bool TOVVersionerObjectTypeJsonParser::parseSection(tovjson::Value& root,
-                                                    TOVConflictsResolutionOptionsFinder* finder) {
+bool TOVVersionerObjectTypeJsonParser::parseSection(tovjson::Value& root, OptionsQuery& query) {
     std::string objectType;
     if (!readNecessaryStringSection(root, TOVTransitionJson_ObjectType, objectType)) {
         return false;
     }
-    finder->setObjectType(objectType);
+    query.objectType = std::move(objectType);
     return true;
 }
 
@@ -52,13 +47,12 @@ void TOVVersionerInitialAttributesParser::getAllNecessaryKeywords(
     keywords.emplace_back(TOVTransitionJson_InitialAttributes);
 }
 
-bool TOVVersionerInitialAttributesParser::parseSection(
-    tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder) {
+bool TOVVersionerInitialAttributesParser::parseSection(tovjson::Value& root, OptionsQuery& query) {
     AttributesMap attributes;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, attributes)) {
         return false;
     }
-    finder->setInitialAttributes(std::move(attributes));
+    query.initialAttributes = std::move(attributes);
     return true;
 }
 
@@ -73,13 +67,12 @@ void TOVVersionerTargetAttributesParser::getAllNecessaryKeywords(
     keywords.emplace_back(TOVTransitionJson_TargetAttributes);
 }
 
-bool TOVVersionerTargetAttributesParser::parseSection(tovjson::Value& root,
-                                                      TOVConflictsResolutionOptionsFinder* finder) {
+bool TOVVersionerTargetAttributesParser::parseSection(tovjson::Value& root, OptionsQuery& query) {
     AttributesMap attributes;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, attributes)) {
         return false;
     }
-    finder->setTargetAttributes(std::move(attributes));
+    query.targetAttributes = std::move(attributes);
     return true;
 }
 
@@ -89,8 +82,7 @@ std::string TOVUploadsReprFileParser::getRuleName() {
     return "Uploads Representation File";
 }
 
-bool TOVUploadsReprFileParser::parseSection(tovjson::Value& root,
-                                            TOVConflictsResolutionOptionsFinder* finder) {
+bool TOVUploadsReprFileParser::parseSection(tovjson::Value& root, OptionsQuery& query) {
     tovjson::Value section;
     // Without the flag the rules read the file update as not applicable.
     if (!getJsonBoolSection(root, TOVConflictJson_UploadsRepresentationFile, section)) {
@@ -98,7 +90,6 @@ bool TOVUploadsReprFileParser::parseSection(tovjson::Value& root,
     }
     bool uploads = false;
     collectBoolFromValue(section, uploads);
-    finder->addTargetAttribute(TOVAttrItemName_DoesUploadFile,
-                               uploads ? TOVAttrItemValue_True : TOVAttrItemValue_False);
+    query.uploadsRepresentationFile = uploads;
     return true;
 }

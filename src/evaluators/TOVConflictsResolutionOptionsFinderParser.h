@@ -2,30 +2,33 @@
 #define TOV_EVALUATORS_TOVCONFLICTSRESOLUTIONOPTIONSFINDERPARSER_H_
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "evaluators/request_records.h"
 #include "json/TOVJsonParser.h"
 #include "json/json_types.h"
 #include "tov/vocabulary.h"
 
-class TOVConflictsResolutionOptionsFinder;
-
 // The top parser of an options query: runs the four sections in a fixed order
-// and joins their errors.
+// into its record and joins their errors.
 class TOVConflictsResolutionOptionsFinderParser : public TOVJsonParser {
 public:
-    explicit TOVConflictsResolutionOptionsFinderParser(TOVConflictsResolutionOptionsFinder* finder);
+    TOVConflictsResolutionOptionsFinderParser();
     ~TOVConflictsResolutionOptionsFinderParser() override;
 
     // Loads the query from the path of a file or from JSON text.
     bool load(const std::string& input, bool inputIsFilePath);
-    // All four sections run, whatever happened to those before. The upload flag
-    // comes last, since it adds to the target attributes that replace the map.
+    // All four sections run, whatever happened to those before.
     bool parseAllSections();
 
+    // The query as read; a section that gave up leaves its part empty.
+    const OptionsQuery& getQuery() const { return query; }
+    OptionsQuery takeQuery() { return std::move(query); }
+
 private:
-    TOVConflictsResolutionOptionsFinder* finder;
     tovjson::Document document;
+    OptionsQuery query;
 };
 
 // Reads the necessary "objectType" string.
@@ -33,7 +36,7 @@ class TOVVersionerObjectTypeJsonParser : public TOVJsonParser {
 public:
     ~TOVVersionerObjectTypeJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, OptionsQuery& query);
 
 protected:
     std::string getRuleName() override;
@@ -45,7 +48,7 @@ class TOVVersionerInitialAttributesParser : public TOVJsonParser {
 public:
     ~TOVVersionerInitialAttributesParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, OptionsQuery& query);
 
 protected:
     std::string getRuleName() override;
@@ -57,20 +60,20 @@ class TOVVersionerTargetAttributesParser : public TOVJsonParser {
 public:
     ~TOVVersionerTargetAttributesParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, OptionsQuery& query);
 
 protected:
     std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 
-// Reads the optional "uploadsRepresentationFile" bool into "_file_upload_" of
-// the target attributes; anything but a bool counts as absent.
+// Reads the optional "uploadsRepresentationFile" bool; anything but a bool
+// counts as absent.
 class TOVUploadsReprFileParser : public TOVJsonParser {
 public:
     ~TOVUploadsReprFileParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVConflictsResolutionOptionsFinder* finder);
+    bool parseSection(tovjson::Value& root, OptionsQuery& query);
 
 protected:
     std::string getRuleName() override;

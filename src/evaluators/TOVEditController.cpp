@@ -21,8 +21,14 @@
 TOVEditController::TOVEditController(const std::map<std::string, std::string>& labeledInput,
                                      TOVCoreDataControllers* coreData, bool updatingReprFile,
                                      bool ignoreConflictResolutionErrors)
+    : TOVEditController(std::map<std::string, std::string>(labeledInput), coreData,
+                        updatingReprFile, ignoreConflictResolutionErrors) {}
+
+TOVEditController::TOVEditController(std::map<std::string, std::string>&& labeledInput,
+                                     TOVCoreDataControllers* coreData, bool updatingReprFile,
+                                     bool ignoreConflictResolutionErrors)
     // The flavour lives in the two bools; the base always hears "edit attempt".
-    : TOVActionController(TOVFunctionality_EditAttempt, labeledInput, coreData),
+    : TOVActionController(TOVFunctionality_EditAttempt, std::move(labeledInput), coreData),
       updatingReprFile(updatingReprFile),
       historyLinksDataProvided(false),
       manualLinkAncestorsDataProvided(false),
@@ -41,6 +47,26 @@ std::string TOVEditController::getInputDataLabelIdentifierForTransitionData() {
 std::string TOVEditController::getInputDataLabelIdentifierForJsonFilepath() {
     return kLabelInputIsFilepath;
 }
+
+namespace {
+
+// The request moves in through the setters, also after a fault, so that the
+// controller holds what the parse read.
+void takeOver(EditRequest&& request, TOVEditController& controller) {
+    controller.setObjectType(request.objectType);
+    controller.setFromValues(std::move(request.initialAttributes));
+    controller.setToValues(std::move(request.targetAttributes));
+    controller.setHistoryLinksDataHaveBeenProvided(request.familyMembers.has_value());
+    if (request.familyMembers) {
+        controller.setHistoryLinks(std::move(*request.familyMembers));
+    }
+    controller.setManualLinkAncestorsDataHaveBeenProvided(request.manualLinkAncestors.has_value());
+    if (request.manualLinkAncestors) {
+        controller.setManualLinkAncestors(std::move(*request.manualLinkAncestors));
+    }
+}
+
+}  // namespace
 
 // --- Accessors ---
 
@@ -84,8 +110,10 @@ bool TOVEditController::parseInputData(TOVResponse& response) {
     const std::string& input =
         getInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
 
-    TOVTransitionJsonParser parser(this);
-    if (!parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response)) {
+    TOVTransitionJsonParser parser;
+    const bool parsed = parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+    takeOver(parser.takeRequest(), *this);
+    if (!parsed) {
         return false;
     }
     postProcessTheParsedData();
@@ -133,16 +161,6 @@ void TOVEditController::updateToValuesWithTheRepresentationFileUpdate() {
     // The file constraint and conflict resolution rules read the difference
     // between an edit and a save from this word.
     setThisPacketFileUpdatingValue(toValues, updatingReprFile);
-}
-
-void TOVEditController::appendAnotherHistoryLinkObject(const AttributesMap& entry) {
-    historyLinks.push_back(entry);
-    historyLinksDataProvided = true;
-}
-
-void TOVEditController::appendAnotherManualAncestorObject(const AttributesMap& entry) {
-    manualLinkAncestors.push_back(entry);
-    manualLinkAncestorsDataProvided = true;
 }
 
 // --- Family detection ---
@@ -221,7 +239,7 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
 
 bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response) {
     TOVTransitionFreeze violated;
-    if (!getFirstTransitionFreezeRuleViolation(violated)) {
+    if (!getLastTransitionFreezeRuleViolation(violated)) {
         return false;
     }
     refuseForRule("Transition freeze violation detected: ", violated, response);
@@ -258,7 +276,7 @@ bool TOVEditController::foundConflictResolutionViolation(TOVResponse& response) 
     return true;
 }
 
-bool TOVEditController::getFirstTransitionFreezeRuleViolation(TOVTransitionFreeze& violated) {
+bool TOVEditController::getLastTransitionFreezeRuleViolation(TOVTransitionFreeze& violated) {
     const std::vector<std::string>& edited = getAttributesToEdit();
     std::vector<const TOVTransitionFreeze*> related;
     getLifecycleBusinessRules()->getRelatedTransitionFreezeRules(objectType, edited,
@@ -359,26 +377,37 @@ void composeLinkViolationComment(const char* heading, const Rule& rule,
     rule.expressRuleInWords(comment);
 }
 
-// The one body of both link checks; each kind hands in its own steps.
-template <typename Rule>
-bool foundLinkViolation(TOVEditController& controller,
-                        bool (TOVEditController::*getFirstViolation)(Rule&, AttributesMap&, bool&),
-                        void (TOVEditController::*composeComment)(const Rule&, const AttributesMap&,
-                                                                  bool, std::string&),
-                        void (TOVEditController::*markMissingData)(TOVResponse&),
-                        TOVResponse& response) {
-    Rule violated;
+// What tells the two link checks apart, besides their lookup: the rule
+// class, the opening of the refusal and the keyword that asks for the
+// linked objects when the request left them out.
+struct HistoryLinkCheck {
+    using Rule = TOVHistoryLink;
+    static constexpr const char* kHeading = "History Link violation detected.";
+    static const char* missingDataKeyword() { return TOVResponseKeyword_ObjectFamilyMembers; }
+};
+
+struct ManualLinkCheck {
+    using Rule = TOVManualLink;
+    static constexpr const char* kHeading = "Manual Ancestor Link violation detected.";
+    static const char* missingDataKeyword() { return TOVResponseKeyword_ManualAncestors; }
+};
+
+// The one body of both link checks. `getFirstViolation(violated,
+// offendingEntry, missingData)` is the kind's lookup.
+template <typename Check, typename GetFirstViolation>
+bool foundLinkViolation(GetFirstViolation&& getFirstViolation, TOVResponse& response) {
+    typename Check::Rule violated;
     AttributesMap offendingEntry;
     bool missingData = false;
-    if (!(controller.*getFirstViolation)(violated, offendingEntry, missingData)) {
+    if (!getFirstViolation(violated, offendingEntry, missingData)) {
         return false;
     }
     response.setGeneralResult(false);
     std::string comment;
-    (controller.*composeComment)(violated, offendingEntry, missingData, comment);
+    composeLinkViolationComment(Check::kHeading, violated, offendingEntry, missingData, comment);
     response.appendToGeneralResultComment(comment.c_str());
     if (missingData) {
-        (controller.*markMissingData)(response);
+        response.setThisKeywordToReportMissingData(Check::missingDataKeyword());
     }
     return true;
 }
@@ -408,15 +437,19 @@ bool selectFirstLinkViolation(const std::vector<const Rule*>& related, bool link
 }  // namespace
 
 bool TOVEditController::foundHistoryLinkViolation(TOVResponse& response) {
-    return foundLinkViolation(*this, &TOVEditController::getFirstHistoryLinkRuleViolation,
-                              &TOVEditController::composeCommentForHistoryLinkViolation,
-                              &TOVEditController::markResponseWithHistoryLinkMissingData, response);
+    return foundLinkViolation<HistoryLinkCheck>(
+        [this](TOVHistoryLink& violated, AttributesMap& offendingEntry, bool& missingData) {
+            return getFirstHistoryLinkRuleViolation(violated, offendingEntry, missingData);
+        },
+        response);
 }
 
 bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
-    return foundLinkViolation(*this, &TOVEditController::getFirstManualLinkRuleViolation,
-                              &TOVEditController::composeCommentForManualLinkViolation,
-                              &TOVEditController::markResponseWithManualLinkMissingData, response);
+    return foundLinkViolation<ManualLinkCheck>(
+        [this](TOVManualLink& violated, AttributesMap& offendingEntry, bool& missingData) {
+            return getFirstManualLinkRuleViolation(violated, offendingEntry, missingData);
+        },
+        response);
 }
 
 bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated,
@@ -449,30 +482,6 @@ bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
     };
     return selectFirstLinkViolation(related, manualLinkAncestorsDataProvided, violates, violated,
                                     missingData);
-}
-
-void TOVEditController::composeCommentForHistoryLinkViolation(const TOVHistoryLink& rule,
-                                                              const AttributesMap& offendingEntry,
-                                                              bool missingData,
-                                                              std::string& comment) {
-    composeLinkViolationComment("History Link violation detected.", rule, offendingEntry,
-                                missingData, comment);
-}
-
-void TOVEditController::composeCommentForManualLinkViolation(const TOVManualLink& rule,
-                                                             const AttributesMap& offendingEntry,
-                                                             bool missingData,
-                                                             std::string& comment) {
-    composeLinkViolationComment("Manual Ancestor Link violation detected.", rule, offendingEntry,
-                                missingData, comment);
-}
-
-void TOVEditController::markResponseWithHistoryLinkMissingData(TOVResponse& response) {
-    response.setThisKeywordToReportMissingData(TOVResponseKeyword_ObjectFamilyMembers);
-}
-
-void TOVEditController::markResponseWithManualLinkMissingData(TOVResponse& response) {
-    response.setThisKeywordToReportMissingData(TOVResponseKeyword_ManualAncestors);
 }
 
 bool TOVEditController::isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response) {

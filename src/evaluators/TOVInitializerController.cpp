@@ -1,5 +1,7 @@
 #include "tov/TOVInitializerController.h"
 
+#include <utility>
+
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
 #include "rules/TOVInitializationJsonParser.h"
@@ -7,7 +9,11 @@
 
 TOVInitializerController::TOVInitializerController(
     const std::map<std::string, std::string>& labeledInput, TOVCoreDataControllers* coreData)
-    : TOVActionController(TOVFunctionality_InitializeRules, labeledInput, coreData) {
+    : TOVInitializerController(std::map<std::string, std::string>(labeledInput), coreData) {}
+
+TOVInitializerController::TOVInitializerController(
+    std::map<std::string, std::string>&& labeledInput, TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_InitializeRules, std::move(labeledInput), coreData) {
     // Each load replaces everything, so the old rules go before anything else.
     getLifecycleBusinessRules()->clearAllRules();
 }

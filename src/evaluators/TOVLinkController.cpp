@@ -1,5 +1,6 @@
 #include "tov/TOVLinkController.h"
 
+#include <utility>
 #include <vector>
 
 #include "evaluators/TOVLinkCreationParser.h"
@@ -12,7 +13,11 @@
 
 TOVLinkController::TOVLinkController(const std::map<std::string, std::string>& labeledInput,
                                      TOVCoreDataControllers* coreData)
-    : TOVActionController(TOVFunctionality_ManualLinkCreation, labeledInput, coreData) {}
+    : TOVLinkController(std::map<std::string, std::string>(labeledInput), coreData) {}
+
+TOVLinkController::TOVLinkController(std::map<std::string, std::string>&& labeledInput,
+                                     TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_ManualLinkCreation, std::move(labeledInput), coreData) {}
 
 TOVLinkController::~TOVLinkController() = default;
 
@@ -32,8 +37,16 @@ bool TOVLinkController::parseInputData(TOVResponse& response) {
     const std::string& input =
         getInputWithThisLabel(getInputDataLabelIndentifierForLinkCreationData());
 
-    TOVLinkCreationParser parser(this);
-    return parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+    TOVLinkCreationParser parser;
+    const bool parsed = parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
+    // Through the setters, also after a fault, so that the controller holds
+    // what the parse read.
+    LinkCreationRequest request = parser.takeRequest();
+    setTypeOfAncestor(request.ancestorType);
+    setAttributesOfAncestor(std::move(request.ancestorAttributes));
+    setTypeOfDescendant(request.descendantType);
+    setAttributesOfDescendant(std::move(request.descendantAttributes));
+    return parsed;
 }
 
 bool TOVLinkController::evaluateRequest(TOVResponse& response) {

@@ -2,10 +2,7 @@
 
 #include <utility>
 
-#include "tov/TOVLinkController.h"
-
-TOVLinkCreationParser::TOVLinkCreationParser(TOVLinkController* controller)
-    : controller(controller) {}
+TOVLinkCreationParser::TOVLinkCreationParser() = default;
 
 TOVLinkCreationParser::~TOVLinkCreationParser() = default;
 
@@ -14,7 +11,7 @@ bool TOVLinkCreationParser::load(const std::string& input, bool inputIsFilePath)
 }
 
 bool TOVLinkCreationParser::parseAllSections() {
-    return runSectionParsers<TOVAncestorJsonParser, TOVDescendantJsonParser>(document, controller);
+    return runSectionParsers<TOVAncestorJsonParser, TOVDescendantJsonParser>(document, request);
 }
 
 void TOVLinkedObjectJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
@@ -60,14 +57,14 @@ std::string TOVAncestorJsonParser::getRuleName() {
     return "Manual Link Ancestor";
 }
 
-bool TOVAncestorJsonParser::parseSection(tovjson::Value& root, TOVLinkController* controller) {
+bool TOVAncestorJsonParser::parseSection(tovjson::Value& root, LinkCreationRequest& request) {
     std::string type;
     AttributesMap attributes;
     if (!readLinkedObject(root, TOVManualLinksJson_Ancestor, type, attributes)) {
         return false;
     }
-    controller->setTypeOfAncestor(type);
-    controller->setAttributesOfAncestor(std::move(attributes));
+    request.ancestorType = std::move(type);
+    request.ancestorAttributes = std::move(attributes);
     return true;
 }
 
@@ -78,13 +75,13 @@ std::string TOVDescendantJsonParser::getRuleName() {
     return "Manual Link descendant";
 }
 
-bool TOVDescendantJsonParser::parseSection(tovjson::Value& root, TOVLinkController* controller) {
+bool TOVDescendantJsonParser::parseSection(tovjson::Value& root, LinkCreationRequest& request) {
     std::string type;
     AttributesMap attributes;
     if (!readLinkedObject(root, TOVManualLinksJsonDescendant, type, attributes)) {
         return false;
     }
-    controller->setTypeOfDescendant(type);
-    controller->setAttributesOfDescendant(std::move(attributes));
+    request.descendantType = std::move(type);
+    request.descendantAttributes = std::move(attributes);
     return true;
 }

@@ -2,19 +2,19 @@
 #define TOV_EVALUATORS_TOVLINKCREATIONPARSER_H_
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "evaluators/request_records.h"
 #include "json/TOVJsonParser.h"
 #include "json/json_types.h"
 #include "tov/vocabulary.h"
 
-class TOVLinkController;
-
 // The top parser of a link creation request: runs the ancestor and the
-// descendant section and joins their errors.
+// descendant section into its record and joins their errors.
 class TOVLinkCreationParser : public TOVJsonParser {
 public:
-    explicit TOVLinkCreationParser(TOVLinkController* controller);
+    TOVLinkCreationParser();
     ~TOVLinkCreationParser() override;
 
     // Loads the request from the path of a file or from JSON text.
@@ -22,9 +22,13 @@ public:
     // Both sections always run, so one response tells the faults of both.
     bool parseAllSections();
 
+    // The request as read; a side whose section gave up stays empty.
+    const LinkCreationRequest& getRequest() const { return request; }
+    LinkCreationRequest takeRequest() { return std::move(request); }
+
 private:
-    TOVLinkController* controller;
     tovjson::Document document;
+    LinkCreationRequest request;
 };
 
 // What the two sections share: an optional object that, once present, must
@@ -44,23 +48,23 @@ private:
     std::string attributesNotAMapError();
 };
 
-// Reads "ancestor" into the controller.
+// Reads "ancestor" into the request.
 class TOVAncestorJsonParser : public TOVLinkedObjectJsonParser {
 public:
     ~TOVAncestorJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLinkController* controller);
+    bool parseSection(tovjson::Value& root, LinkCreationRequest& request);
 
 protected:
     std::string getRuleName() override;
 };
 
-// Reads "descendant" into the controller.
+// Reads "descendant" into the request.
 class TOVDescendantJsonParser : public TOVLinkedObjectJsonParser {
 public:
     ~TOVDescendantJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLinkController* controller);
+    bool parseSection(tovjson::Value& root, LinkCreationRequest& request);
 
 protected:
     std::string getRuleName() override;

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "tov/TOVEditController.h"
 #include "tov/attribute_packets.h"
 #include "tov/string_helpers.h"
 #include "tov/vocabulary.h"
@@ -17,8 +16,7 @@ constexpr const char* kManualLinkAncestors = "manualLinkAncestors";
 
 // --- TOVTransitionJsonParser ---
 
-TOVTransitionJsonParser::TOVTransitionJsonParser(TOVEditController* controller)
-    : controller(controller) {}
+TOVTransitionJsonParser::TOVTransitionJsonParser() = default;
 
 TOVTransitionJsonParser::~TOVTransitionJsonParser() = default;
 
@@ -30,27 +28,21 @@ bool TOVTransitionJsonParser::parseAllSections() {
     // The order of the sections is the order of their messages.
     return runSectionParsers<TOVMembersOfFamilyJsonParser, TOVManualLinkAncestorsJsonParser,
                              TOVEditorObjectTypeJsonParser, TOVInitialAttributesParser,
-                             TOVTargetAttributesParser>(document, controller);
+                             TOVTargetAttributesParser>(document, request);
 }
 
 // --- TOVManualOrHistoryLinkJsonParser ---
 
-bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(tovjson::Value& root,
-                                                                 const char* keyword,
-                                                                 LinkedObjects kind,
-                                                                 TOVEditController* controller) {
+bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(
+    tovjson::Value& root, const char* keyword, std::optional<std::vector<AttributesMap>>& linked) {
     tovjson::Value section;
     if (!getJsonSection(root, keyword, section)) {
         return true;
     }
     // An empty object is a statement too: the object has no such links.
-    if (kind == LinkedObjects::kFamilyMembers) {
-        controller->setHistoryLinksDataHaveBeenProvided(true);
-    } else {
-        controller->setManualLinkAncestorsDataHaveBeenProvided(true);
-    }
+    linked.emplace();
     for (const auto& member : section.GetObject()) {
-        if (!parseMember(getMemberName(member.name), member.value, kind, controller)) {
+        if (!parseMember(getMemberName(member.name), member.value, *linked)) {
             return false;
         }
     }
@@ -58,8 +50,8 @@ bool TOVManualOrHistoryLinkJsonParser::parseLinkedObjectsSection(tovjson::Value&
 }
 
 bool TOVManualOrHistoryLinkJsonParser::parseMember(const std::string& serverId,
-                                                   const tovjson::Value& member, LinkedObjects kind,
-                                                   TOVEditController* controller) {
+                                                   const tovjson::Value& member,
+                                                   std::vector<AttributesMap>& linked) {
     if (!member.IsObject()) {
         return failWith(memberError(serverId, "Data should be a map"));
     }
@@ -79,11 +71,7 @@ bool TOVManualOrHistoryLinkJsonParser::parseMember(const std::string& serverId,
         }
         // The id goes in last, so that it wins over an attribute of that name.
         setTOVServerIdIntoAttributesMap(serverId, attributes);
-        if (kind == LinkedObjects::kFamilyMembers) {
-            controller->appendAnotherHistoryLinkObject(attributes);
-        } else {
-            controller->appendAnotherManualAncestorObject(attributes);
-        }
+        linked.push_back(std::move(attributes));
     }
     return true;
 }
@@ -98,10 +86,8 @@ std::string TOVManualOrHistoryLinkJsonParser::memberError(const std::string& ser
 
 TOVMembersOfFamilyJsonParser::~TOVMembersOfFamilyJsonParser() = default;
 
-bool TOVMembersOfFamilyJsonParser::parseSection(tovjson::Value& root,
-                                                TOVEditController* controller) {
-    return parseLinkedObjectsSection(root, kMembersOfFamily, LinkedObjects::kFamilyMembers,
-                                     controller);
+bool TOVMembersOfFamilyJsonParser::parseSection(tovjson::Value& root, EditRequest& request) {
+    return parseLinkedObjectsSection(root, kMembersOfFamily, request.familyMembers);
 }
 
 std::string TOVMembersOfFamilyJsonParser::getRuleName() {
@@ -116,10 +102,8 @@ void TOVMembersOfFamilyJsonParser::getAllNecessaryKeywords(std::vector<std::stri
 
 TOVManualLinkAncestorsJsonParser::~TOVManualLinkAncestorsJsonParser() = default;
 
-bool TOVManualLinkAncestorsJsonParser::parseSection(tovjson::Value& root,
-                                                    TOVEditController* controller) {
-    return parseLinkedObjectsSection(root, kManualLinkAncestors,
-                                     LinkedObjects::kManualLinkAncestors, controller);
+bool TOVManualLinkAncestorsJsonParser::parseSection(tovjson::Value& root, EditRequest& request) {
+    return parseLinkedObjectsSection(root, kManualLinkAncestors, request.manualLinkAncestors);
 }
 
 std::string TOVManualLinkAncestorsJsonParser::getRuleName() {
@@ -134,13 +118,12 @@ void TOVManualLinkAncestorsJsonParser::getAllNecessaryKeywords(std::vector<std::
 
 TOVEditorObjectTypeJsonParser::~TOVEditorObjectTypeJsonParser() = default;
 
-bool TOVEditorObjectTypeJsonParser::parseSection(tovjson::Value& root,
-                                                 TOVEditController* controller) {
+bool TOVEditorObjectTypeJsonParser::parseSection(tovjson::Value& root, EditRequest& request) {
     std::string objectType;
     if (!readNecessaryStringSection(root, TOVTransitionJson_ObjectType, objectType)) {
         return false;
     }
-    controller->setObjectType(objectType);
+    request.objectType = std::move(objectType);
     return true;
 }
 
@@ -156,13 +139,13 @@ void TOVEditorObjectTypeJsonParser::getAllNecessaryKeywords(std::vector<std::str
 
 TOVInitialAttributesParser::~TOVInitialAttributesParser() = default;
 
-bool TOVInitialAttributesParser::parseSection(tovjson::Value& root, TOVEditController* controller) {
+bool TOVInitialAttributesParser::parseSection(tovjson::Value& root, EditRequest& request) {
     // A fresh map, dropped on failure, so that a half-read packet never lands.
     AttributesMap values;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_InitialAttributes, values)) {
         return false;
     }
-    controller->setFromValues(std::move(values));
+    request.initialAttributes = std::move(values);
     return true;
 }
 
@@ -178,14 +161,14 @@ void TOVInitialAttributesParser::getAllNecessaryKeywords(std::vector<std::string
 
 TOVTargetAttributesParser::~TOVTargetAttributesParser() = default;
 
-bool TOVTargetAttributesParser::parseSection(tovjson::Value& root, TOVEditController* controller) {
+bool TOVTargetAttributesParser::parseSection(tovjson::Value& root, EditRequest& request) {
     // When the section is missing the keyword error appends nothing: this
     // parser names no necessary keyword.
     AttributesMap values;
     if (!readNecessaryAttributesSection(root, TOVTransitionJson_TargetAttributes, values)) {
         return false;
     }
-    controller->setToValues(std::move(values));
+    request.targetAttributes = std::move(values);
     return true;
 }
 

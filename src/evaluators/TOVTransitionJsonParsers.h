@@ -1,20 +1,22 @@
 // Parsers of the edit request: one top parser for the document and one parser
-// per section, each filling the TOVEditController that it is given.
+// per section, each filling its part of an EditRequest.
 #ifndef TOV_EVALUATORS_TOVTRANSITIONJSONPARSERS_H_
 #define TOV_EVALUATORS_TOVTRANSITIONJSONPARSERS_H_
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "evaluators/request_records.h"
 #include "json/TOVJsonParser.h"
 #include "json/json_types.h"
 
-class TOVEditController;
-
-// Owns the request document and runs the five section parsers over it.
+// Owns the request document and the record, and runs the five section
+// parsers over the one into the other.
 class TOVTransitionJsonParser : public TOVJsonParser {
 public:
-    explicit TOVTransitionJsonParser(TOVEditController* controller);
+    TOVTransitionJsonParser();
     ~TOVTransitionJsonParser() override;
 
     // Loads the document from the path of a file or from JSON text.
@@ -23,25 +25,28 @@ public:
     // all the faults of a request, joined in the order of the sections.
     bool parseAllSections();
 
+    // The request as read. After a fault it holds what each section read up
+    // to its own first fault.
+    const EditRequest& getRequest() const { return request; }
+    EditRequest takeRequest() { return std::move(request); }
+
 private:
-    TOVEditController* controller;
     tovjson::Document document;
+    EditRequest request;
 };
 
 // What "membersOfFamily" and "manualLinkAncestors" share: a map from server id
 // to a member object whose only key is "attributes".
 class TOVManualOrHistoryLinkJsonParser : public TOVJsonParser {
 protected:
-    enum class LinkedObjects { kFamilyMembers, kManualLinkAncestors };
-
     // An absent section, or one of another JSON type, is no error and leaves
-    // the provided flag alone; an object, even an empty one, sets it.
-    bool parseLinkedObjectsSection(tovjson::Value& root, const char* keyword, LinkedObjects kind,
-                                   TOVEditController* controller);
+    // `linked` empty; an object, even an empty one, gives it a list.
+    bool parseLinkedObjectsSection(tovjson::Value& root, const char* keyword,
+                                   std::optional<std::vector<AttributesMap>>& linked);
 
 private:
-    bool parseMember(const std::string& serverId, const tovjson::Value& member, LinkedObjects kind,
-                     TOVEditController* controller);
+    bool parseMember(const std::string& serverId, const tovjson::Value& member,
+                     std::vector<AttributesMap>& linked);
     // The rule name, "Member with server id", the quoted id, ":" and `detail`,
     // with no blank between the first three: the messages read so on purpose.
     std::string memberError(const std::string& serverId, const std::string& detail);
@@ -50,7 +55,7 @@ private:
 class TOVMembersOfFamilyJsonParser : public TOVManualOrHistoryLinkJsonParser {
 public:
     ~TOVMembersOfFamilyJsonParser() override;
-    bool parseSection(tovjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, EditRequest& request);
 
 protected:
     std::string getRuleName() override;
@@ -60,7 +65,7 @@ protected:
 class TOVManualLinkAncestorsJsonParser : public TOVManualOrHistoryLinkJsonParser {
 public:
     ~TOVManualLinkAncestorsJsonParser() override;
-    bool parseSection(tovjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, EditRequest& request);
 
 protected:
     std::string getRuleName() override;
@@ -71,7 +76,7 @@ class TOVEditorObjectTypeJsonParser : public TOVJsonParser {
 public:
     ~TOVEditorObjectTypeJsonParser() override;
     // An empty string is a valid object type here.
-    bool parseSection(tovjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, EditRequest& request);
 
 protected:
     std::string getRuleName() override;
@@ -81,7 +86,7 @@ protected:
 class TOVInitialAttributesParser : public TOVJsonParser {
 public:
     ~TOVInitialAttributesParser() override;
-    bool parseSection(tovjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, EditRequest& request);
 
 protected:
     std::string getRuleName() override;
@@ -93,7 +98,7 @@ protected:
 class TOVTargetAttributesParser : public TOVJsonParser {
 public:
     ~TOVTargetAttributesParser() override;
-    bool parseSection(tovjson::Value& root, TOVEditController* controller);
+    bool parseSection(tovjson::Value& root, EditRequest& request);
 
 protected:
     std::string getRuleName() override;

@@ -1,5 +1,7 @@
 #include "tov/TOV_DMInfoInitializerController.h"
 
+#include <utility>
+
 #include "dm/TOV_DMInfoJsonParsers.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
@@ -7,7 +9,11 @@
 
 TOV_DMInfoInitializerController::TOV_DMInfoInitializerController(
     const std::map<std::string, std::string>& labeledInput, TOVCoreDataControllers* coreData)
-    : TOVActionController(TOVFunctionality_InitializeDMInfo, labeledInput, coreData) {
+    : TOV_DMInfoInitializerController(std::map<std::string, std::string>(labeledInput), coreData) {}
+
+TOV_DMInfoInitializerController::TOV_DMInfoInitializerController(
+    std::map<std::string, std::string>&& labeledInput, TOVCoreDataControllers* coreData)
+    : TOVActionController(TOVFunctionality_InitializeDMInfo, std::move(labeledInput), coreData) {
     // Each load replaces everything, so the old information goes before anything else.
     getLifecycleDMInfo()->clearAllInfo();
 }

@@ -1,5 +1,7 @@
 #include "tov/TOVActionController.h"
 
+#include <utility>
+
 #include "frame/input_labels.h"
 
 #include "tov/TOVCoreDataControllers.h"
@@ -10,6 +12,11 @@ TOVActionController::TOVActionController(TOVFunctionality functionality,
                                          const std::map<std::string, std::string>& labeledInput,
                                          TOVCoreDataControllers* coreData)
     : functionality(functionality), inputData(labeledInput), coreData(coreData) {}
+
+TOVActionController::TOVActionController(TOVFunctionality functionality,
+                                         std::map<std::string, std::string>&& labeledInput,
+                                         TOVCoreDataControllers* coreData)
+    : functionality(functionality), inputData(std::move(labeledInput)), coreData(coreData) {}
 
 TOVActionController::~TOVActionController() = default;
 
@@ -30,7 +37,7 @@ bool TOVActionController::isInputDataSufficientUpdateResponse(TOVResponse& respo
         response.setGeneralResult(true);
     } else {
         response.setGeneralResult(false);
-        response.setGeneralResultComment("Insufficient input data");
+        response.setGeneralResultComment(kInsufficientInputData);
     }
     return response.getGeneralResult();
 }

@@ -11,4 +11,7 @@ constexpr const char* kLabelLinkCreationData = "All_link_creation_values";
 // Its presence, whatever its value, makes the input the path of a JSON file.
 constexpr const char* kLabelInputIsFilepath = "Input_is_filepath";
 
+// The comment for a request whose input is missing under its label, or empty.
+constexpr const char* kInsufficientInputData = "Insufficient input data";
+
 #endif  // TOV_FRAME_INPUT_LABELS_H_

@@ -84,47 +84,16 @@ protected:
     std::string objectListedRuleNotAMapError(const std::string& owner);
     std::string objectRulesNotAListError(const std::string& owner);
 
-    // Message composers: each appends its text and leaves the result alone.
-    void setAttributeValueBoolParsingError(const std::string& owner, const std::string& attribute) {
-        appendToParsingErrorComment(attributeValueBoolParsingError(owner, attribute).c_str());
-    }
-    void setAttributeValueStringParsingError(const std::string& owner,
-                                             const std::string& attribute) {
-        appendToParsingErrorComment(attributeValueStringParsingError(owner, attribute).c_str());
-    }
-    void setAttributeValuesStringListParsingError(const std::string& owner,
-                                                  const std::string& attribute) {
-        appendToParsingErrorComment(
-            attributeValuesStringListParsingError(owner, attribute).c_str());
-    }
-    void setErrorParsingTheKeysValuesMapOfAttribute(const std::string& attribute) {
-        appendToParsingErrorComment(errorParsingTheKeysValuesMapOfAttribute(attribute).c_str());
-    }
-    void setImmediateContentsShouldBeMapParsingError() {
-        appendToParsingErrorComment(immediateContentsShouldBeMapParsingError().c_str());
-    }
-    void setJsonSectionNotAListError(const std::string& section) {
-        appendToParsingErrorComment(jsonSectionNotAListError(section).c_str());
-    }
-    void setJsonSectionNotAMapError(const std::string& section) {
-        appendToParsingErrorComment(jsonSectionNotAMapError(section).c_str());
-    }
-    void setNotAllNecessaryKeywordsFoundParsingError(const std::string& owner) {
-        appendToParsingErrorComment(notAllNecessaryKeywordsFoundParsingError(owner).c_str());
-    }
-    void setObjectListedRuleNotAMapError(const std::string& owner) {
-        appendToParsingErrorComment(objectListedRuleNotAMapError(owner).c_str());
-    }
-    void setObjectRulesNotAListError(const std::string& owner) {
-        appendToParsingErrorComment(objectRulesNotAListError(owner).c_str());
-    }
-
     // Runs `parseSection(args...)` on a fresh parser of each section, in the
     // order given and every one whatever the others gave, and copies each
     // outcome up: the comment joined by "|", the result ANDed in. True when
     // every section parsed.
     template <typename... SectionParsers, typename... Args>
     bool runSectionParsers(Args&... args);
+    // The same, and `noteSection(parser)` hears each section's parser once it
+    // has run, so that a caller can keep what came from which section.
+    template <typename... SectionParsers, typename NoteSection, typename... Args>
+    bool runSectionParsersNoting(NoteSection&& noteSection, Args&... args);
 
     // The frame shared by the sections of the rules document: an object that
     // maps object types to lists of rule objects. `readRule(ruleObject,
@@ -178,11 +147,17 @@ private:
 
 template <typename... SectionParsers, typename... Args>
 bool TOVJsonParser::runSectionParsers(Args&... args) {
+    return runSectionParsersNoting<SectionParsers...>([](const auto&) {}, args...);
+}
+
+template <typename... SectionParsers, typename NoteSection, typename... Args>
+bool TOVJsonParser::runSectionParsersNoting(NoteSection&& noteSection, Args&... args) {
     bool allParsed = true;
     auto run = [&](auto section) {
         allParsed = section.parseSection(args...) && allParsed;
         appendToParsingErrorComment(section.getParsingErrorComment().c_str());
         updateParsingResult(section.getParsingResult());
+        noteSection(section);
     };
     // The comma fold keeps the sections in order.
     (run(SectionParsers()), ...);

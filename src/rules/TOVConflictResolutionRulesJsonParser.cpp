@@ -6,38 +6,33 @@
 
 namespace {
 
-const char* const kSectionKeyword = "conflictResolutions";
-const char* const kAttributeKeyword = "attribute";
-const char* const kFromValueKeyword = "fromValue";
-const char* const kToValueKeyword = "toValue";
-const char* const kUpdatesFileKeyword = "updatesFile";
-const char* const kHasDifferentPrimariesKeyword = "hasDifferentPrimaries";
-const char* const kConflictResolutionKeyword = "conflictResolution";
+using rulekinds::kAttribute;
+using rulekinds::kConflictResolution;
+using rulekinds::kFromValue;
+using rulekinds::kHasDifferentPrimaries;
+using rulekinds::kToValue;
+using rulekinds::kUpdatesFile;
 
 }  // namespace
 
 TOVConflictResolutionRulesJsonParser::~TOVConflictResolutionRulesJsonParser() = default;
 
-std::string TOVConflictResolutionRulesJsonParser::getRuleName() {
-    return "Conflict Resolution rule";
-}
-
 // "hasDifferentPrimaries" is named here for the message, yet a rule without it
 // still loads.
 void TOVConflictResolutionRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.emplace_back(kAttributeKeyword);
-    keywords.emplace_back(kFromValueKeyword);
-    keywords.emplace_back(kToValueKeyword);
-    keywords.emplace_back(kUpdatesFileKeyword);
-    keywords.emplace_back(kHasDifferentPrimariesKeyword);
-    keywords.emplace_back(kConflictResolutionKeyword);
+    keywords.emplace_back(kAttribute);
+    keywords.emplace_back(kFromValue);
+    keywords.emplace_back(kToValue);
+    keywords.emplace_back(kUpdatesFile);
+    keywords.emplace_back(kHasDifferentPrimaries);
+    keywords.emplace_back(kConflictResolution);
 }
 
 bool TOVConflictResolutionRulesJsonParser::parseSection(tovjson::Value& root,
                                                         TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, kSectionKeyword,
+        root, sectionKeyword(),
         [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::string attribute;
             std::string fromValue;
@@ -48,17 +43,17 @@ bool TOVConflictResolutionRulesJsonParser::parseSection(tovjson::Value& root,
             for (const auto& member : ruleObject.GetObject()) {
                 const std::string keyword = getMemberName(member.name);
                 std::string* text = nullptr;
-                if (keyword == kAttributeKeyword) {
+                if (keyword == kAttribute) {
                     text = &attribute;
-                } else if (keyword == kFromValueKeyword) {
+                } else if (keyword == kFromValue) {
                     text = &fromValue;
-                } else if (keyword == kToValueKeyword) {
+                } else if (keyword == kToValue) {
                     text = &toValue;
-                } else if (keyword == kUpdatesFileKeyword) {
+                } else if (keyword == kUpdatesFile) {
                     text = &updatesFile;
-                } else if (keyword == kConflictResolutionKeyword) {
+                } else if (keyword == kConflictResolution) {
                     text = &conflictResolution;
-                } else if (keyword == kHasDifferentPrimariesKeyword) {
+                } else if (keyword == kHasDifferentPrimaries) {
                     if (!collectBoolFromValue(member.value, hasDifferentPrimaries)) {
                         return failWith(attributeValueBoolParsingError(objectType, keyword));
                     }

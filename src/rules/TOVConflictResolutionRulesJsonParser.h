@@ -4,20 +4,20 @@
 #include <string>
 #include <vector>
 
-#include "json/TOVJsonParser.h"
 #include "json/json_types.h"
+#include "rules/rule_section_parser.h"
 
 class TOVLifecycleBusinessRules;
 
 // Reads the "conflictResolutions" section of the rules document into the store.
-class TOVConflictResolutionRulesJsonParser : public TOVJsonParser {
+class TOVConflictResolutionRulesJsonParser
+    : public RuleSectionParser<TOVRuleKind_ConflictResolution> {
 public:
     ~TOVConflictResolutionRulesJsonParser() override;
 
     bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
-    std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 

@@ -5,33 +5,27 @@
 
 namespace {
 
-const char* const kSectionKeyword = "fileConstraints";
-const char* const kAttributeKeyword = "attribute";
-const char* const kFromValueKeyword = "fromValue";
-const char* const kToValueKeyword = "toValue";
-const char* const kUpdateFileKeyword = "updateFile";
+using rulekinds::kAttribute;
+using rulekinds::kFromValue;
+using rulekinds::kToValue;
+using rulekinds::kUpdateFile;
 
 }  // namespace
 
 TOVFileConstraintsRulesJsonParser::~TOVFileConstraintsRulesJsonParser() = default;
 
-std::string TOVFileConstraintsRulesJsonParser::getRuleName() {
-    return "File Constraint rule";
-}
-
 void TOVFileConstraintsRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.emplace_back(kAttributeKeyword);
-    keywords.emplace_back(kFromValueKeyword);
-    keywords.emplace_back(kToValueKeyword);
-    keywords.emplace_back(kUpdateFileKeyword);
+    keywords.emplace_back(kAttribute);
+    keywords.emplace_back(kFromValue);
+    keywords.emplace_back(kToValue);
+    keywords.emplace_back(kUpdateFile);
 }
 
 bool TOVFileConstraintsRulesJsonParser::parseSection(tovjson::Value& root,
                                                      TOVLifecycleBusinessRules* store) {
     return parseStringRulesSection(
-        root, kSectionKeyword,
-        {kAttributeKeyword, kFromValueKeyword, kToValueKeyword, kUpdateFileKeyword},
+        root, sectionKeyword(), {kAttribute, kFromValue, kToValue, kUpdateFile},
         [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewFileConstraintRule(
                 TOVFileConstraint(objectType, values[0], values[1], values[2], values[3]));

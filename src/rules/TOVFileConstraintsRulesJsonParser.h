@@ -4,20 +4,19 @@
 #include <string>
 #include <vector>
 
-#include "json/TOVJsonParser.h"
 #include "json/json_types.h"
+#include "rules/rule_section_parser.h"
 
 class TOVLifecycleBusinessRules;
 
 // Reads the "fileConstraints" section of the rules document into the store.
-class TOVFileConstraintsRulesJsonParser : public TOVJsonParser {
+class TOVFileConstraintsRulesJsonParser : public RuleSectionParser<TOVRuleKind_FileConstraint> {
 public:
     ~TOVFileConstraintsRulesJsonParser() override;
 
     bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
-    std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 

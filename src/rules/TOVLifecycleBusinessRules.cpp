@@ -1,16 +1,23 @@
 #include "tov/TOVLifecycleBusinessRules.h"
 
 #include <algorithm>
-#include <array>
-#include <string_view>
+#include <limits>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "dm/object_type_matching.h"
-#include "foundation/compare.h"
 #include "foundation/log_reading.h"
+#include "rules/rule_kinds.h"
+#include "rules/rule_list.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
 #include "tov/TOVLogger.h"
-#include "tov/TOV_DMStructure.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOVVersioningSelection.h"
 #include "tov/string_helpers.h"
 
 namespace {
@@ -30,325 +37,188 @@ std::string candidateValue(const std::string& attribute, const AttributesMap& fr
     return value;
 }
 
-// Moves each rule to its place in one pass over the cycles of the permutation:
-// `order[i]` is the position the rule at place i comes from. Marks visited
-// places in `order` itself, so no second list of rules is needed.
-template <typename Rule>
-void permuteInPlace(std::vector<Rule>& rules, std::vector<std::size_t>& order) {
-    const std::size_t done = rules.size();
-    for (std::size_t start = 0; start < rules.size(); ++start) {
-        if (order[start] == done) {
-            continue;
-        }
-        Rule carried = std::move(rules[start]);
-        std::size_t place = start;
-        while (order[place] != start) {
-            const std::size_t from = order[place];
-            rules[place] = std::move(rules[from]);
-            order[place] = done;
-            place = from;
-        }
-        rules[place] = std::move(carried);
-        order[place] = done;
-    }
-}
-
-// The wildcard words as the index files them; built on first use, so that no
-// lookup can run before they exist.
-const std::string& foldedAny() {
-    static const std::string folded = foldedObjectType(TOVAttrItemValue_Any);
-    return folded;
-}
-const std::string& foldedLibraryItem() {
-    static const std::string folded = foldedObjectType(TOVAttrItemValue_Library_Item);
-    return folded;
-}
-
 }  // namespace
 
-// Sorts by keys folded once instead of folding on every comparison.
-// std::sort's steps depend only on the outcomes of its comparisons, so sorting
-// positions by key, under the same order as operator<, from the same starting
-// order, makes the same moves as sorting the rules by operator< and ends in
-// the same permutation, ties included; the rules then move once.
-template <typename Rule>
-void TOVLifecycleBusinessRules::sortRulesOfKind(std::vector<Rule>& rules) {
-    // The keys are measured first, so that the one buffer is allocated once
-    // and never held twice while it grows: a large load peaks here.
-    std::size_t keysSize = 0;
-    std::string key;
-    for (const Rule& rule : rules) {
-        key.clear();
+struct TOVLifecycleBusinessRules::RuleAccess {
+    template <typename Rule>
+    static decltype(auto) objectType(const Rule& rule) {
+        return rule.getObjectType();
+    }
+    template <typename Rule>
+    static void appendSortKey(const Rule& rule, std::string& key) {
         rule.appendSortKey(key);
-        keysSize += key.size();
     }
-    std::string keys;
-    keys.reserve(keysSize);
-    std::vector<std::size_t> ends;
-    ends.reserve(rules.size());
-    for (const Rule& rule : rules) {
-        rule.appendSortKey(keys);
-        ends.push_back(keys.size());
-    }
-    const auto keyOf = [&keys, &ends](std::size_t position) {
-        const std::size_t begin = position == 0 ? 0 : ends[position - 1];
-        return std::string_view(keys).substr(begin, ends[position] - begin);
-    };
-    std::vector<std::size_t> order(rules.size());
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        order[i] = i;
-    }
-    std::sort(order.begin(), order.end(), [&keyOf](std::size_t first, std::size_t second) {
-        return keyOf(first) < keyOf(second);
-    });
-    permuteInPlace(rules, order);
-}
+};
 
-// The one list of kinds: every walk over all lists goes through it, in the
-// order of the debug print. Each list comes with its index, the heading of its
-// print and its label among the sentences for tools; triggers have no sentence.
-template <typename Store, typename Visit>
-void TOVLifecycleBusinessRules::forEachRuleList(Store& store, Visit&& visit) {
-    visit(store.transitionsFreeze, store.transitionsFreezeIndex,
-          "----------------TRANSITIONS FREEZE RULES--------------", "transition freeze");
-    visit(store.historyLinks, store.historyLinksIndex,
-          "---------------HISTORY LINKS RULES ------------------", "history link");
-    visit(store.manualLinks, store.manualLinksIndex,
-          "---------------MANUAL LINKS RULES ------------------", "manual link");
-    visit(store.transitions, store.transitionsIndex,
-          "---------------TRANSITION RULES ------------------", "transition");
-    visit(store.triggers, store.triggersIndex, "---------------  TRIGGER RULES ------------------",
-          nullptr);
-    visit(store.versioningSelections, store.versioningSelectionsIndex,
-          "--------VERSIONING ATTRIBUTES SELECTION RULES--------", "versioning selection");
-    visit(store.conflictResolutions, store.conflictResolutionsIndex,
-          "---------------CONFLICTS RESOLUTIONS RULES---------------", "conflict resolution");
-    visit(store.fileConstraints, store.fileConstraintsIndex,
-          "----------------------FILE CONSTRAINTS----------------", "file constraint");
-}
+struct TOVLifecycleBusinessRules::Lists {
+    template <typename Rule>
+    using ListOf = RuleList<Rule, RuleAccess>;
 
-template <typename Rule>
-void TOVLifecycleBusinessRules::printRules(const char* heading, const std::vector<Rule>& rules,
-                                           TOVLogger* logger) {
-    // A load prints every rule; with logging off that would be most of its cost.
-    if (!isLogRead(logger)) {
-        return;
-    }
-    logger->printToLog(heading);
-    for (const Rule& rule : rules) {
-        rule.printContentsDBG(logger);
-    }
-}
+    // One list per kind, in the order of the table of kinds.
+    template <std::size_t... Kinds>
+    static auto listsOf(std::index_sequence<Kinds...>)
+        -> std::tuple<ListOf<rulekinds::RuleAt<Kinds>>...>;
+    decltype(listsOf(std::make_index_sequence<TOVRuleKindCount>())) byKind;
 
-// One list under its heading, found by its rule class in the list of kinds.
-template <typename Rule>
-void TOVLifecycleBusinessRules::printRulesOfKind(TOVLogger* logger) const {
-    forEachRuleList(
-        *this, [logger](const auto& rules, const auto&, const char* heading, const char*) {
-            if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
-                printRules(heading, rules, logger);
-            }
+    template <typename Rule>
+    ListOf<Rule>& of() {
+        return std::get<ListOf<Rule>>(byKind);
+    }
+    template <typename Rule>
+    const ListOf<Rule>& of() const {
+        return std::get<ListOf<Rule>>(byKind);
+    }
+
+    // The one walk over all lists: `visit(list, words)` on each, in the order
+    // of the table, with the words of its kind.
+    template <typename Visit>
+    void forEach(Visit&& visit) {
+        std::apply([&visit](auto&... list) { (visit(list, wordsOfList(list)), ...); }, byKind);
+    }
+    template <typename Visit>
+    void forEach(Visit&& visit) const {
+        std::apply([&visit](const auto&... list) { (visit(list, wordsOfList(list)), ...); },
+                   byKind);
+    }
+
+    template <typename List>
+    static const TOVRuleKindWords& wordsOfList(const List&) {
+        return rulekinds::wordsOf(rulekinds::kindOf<typename List::RuleType>());
+    }
+
+    // The plain lookup, shared by every kind that has a single attribute.
+    template <typename Rule>
+    bool selectRelated(const std::string& objectType, const std::vector<std::string>& attributes,
+                       const TOV_DMStructure* structure, std::vector<const Rule*>& related) const {
+        return of<Rule>().select(objectType, structure, related, [&attributes](const Rule& rule) {
+            return listHoldsAttribute(attributes, rule.getAttribute());
         });
-}
-
-template <typename Rule>
-void TOVLifecycleBusinessRules::indexRules(const std::vector<Rule>& rules,
-                                           PositionsByObjectType& index) {
-    index.clear();
-    for (std::size_t position = 0; position < rules.size(); ++position) {
-        index[foldedObjectType(rules[position].getObjectType())].push_back(position);
-    }
-}
-
-template <typename Rule>
-void TOVLifecycleBusinessRules::replaceRules(std::vector<Rule>& rules, PositionsByObjectType& index,
-                                             const std::vector<Rule>& replacement) {
-    rules = replacement;
-    indexRules(rules, index);
-}
-
-template <typename Rule>
-void TOVLifecycleBusinessRules::appendRule(std::vector<Rule>& rules, PositionsByObjectType& index,
-                                           Rule rule) {
-    index[foldedObjectType(rule.getObjectType())].push_back(rules.size());
-    rules.push_back(std::move(rule));
-}
-
-// Every lookup keeps, in stored order, each rule whose object type matches and
-// that `holds` accepts. Only the groups that can match are visited: the asked
-// type's own, "<any>", and "Library_Item" when the data model calls the asked
-// type an RLI type. An asked type that is itself a wildcard matches across
-// groups, so it walks the whole list.
-template <typename Rule, typename Holds>
-bool TOVLifecycleBusinessRules::selectRules(const std::vector<Rule>& rules,
-                                            const PositionsByObjectType& index,
-                                            const std::string& objectType,
-                                            const TOV_DMStructure* structure,
-                                            std::vector<const Rule*>& related, Holds&& holds) {
-    bool found = false;
-    const auto keep = [&](const Rule& rule) {
-        if (holds(rule)) {
-            related.push_back(&rule);
-            found = true;
-        }
-    };
-    const bool askedTypeIsWildcard =
-        isThisTheReservedAnyValue(objectType) ||
-        (structure != nullptr && equalsIgnoringCase(objectType, TOVAttrItemValue_Library_Item));
-    if (askedTypeIsWildcard) {
-        for (const Rule& rule : rules) {
-            if (objectTypesMatch(structure, rule.getObjectType(), objectType)) {
-                keep(rule);
-            }
-        }
-        return found;
     }
 
-    std::array<const std::vector<std::size_t>*, 3> groups{};
-    std::size_t groupCount = 0;
-    const auto addGroup = [&](const std::string& foldedType) {
-        const auto group = index.find(foldedType);
-        if (group != index.end()) {
-            groups[groupCount++] = &group->second;
-        }
-    };
-    addGroup(foldedObjectType(objectType));
-    addGroup(foldedAny());
-    if (structure != nullptr && structure->isThisAnRLIObjectType(objectType)) {
-        addGroup(foldedLibraryItem());
+    template <typename Rule>
+    bool selectRelatedLinks(const std::string& objectType,
+                            const std::vector<std::string>& attributes,
+                            const AttributesMap& fromValues, const AttributesMap& toValues,
+                            const TOV_DMStructure* structure,
+                            std::vector<const Rule*>& related) const {
+        return of<Rule>().select(objectType, structure, related, [&](const Rule& rule) {
+            return listHoldsAttribute(attributes, rule.getAttribute()) &&
+                   areStringsEqualAccountingAlsoAnyValue(
+                       candidateValue(rule.getAttribute(), fromValues, toValues),
+                       rule.getToValue());
+        });
     }
-    // The groups are disjoint and each in stored order: merge them.
-    std::array<std::size_t, 3> next{};
-    for (;;) {
-        std::size_t chosen = groupCount;
-        for (std::size_t g = 0; g < groupCount; ++g) {
-            if (next[g] < groups[g]->size() &&
-                (chosen == groupCount || (*groups[g])[next[g]] < (*groups[chosen])[next[chosen]])) {
-                chosen = g;
-            }
+
+    template <typename Rule>
+    static void print(const char* heading, const ListOf<Rule>& list, TOVLogger* logger) {
+        // A load prints every rule; with logging off that would be most of its cost.
+        if (!isLogRead(logger)) {
+            return;
         }
-        if (chosen == groupCount) {
-            return found;
+        logger->printToLog(heading);
+        for (const Rule& rule : list.rules()) {
+            rule.printContentsDBG(logger);
         }
-        keep(rules[(*groups[chosen])[next[chosen]++]]);
     }
+};
+
+TOVLifecycleBusinessRules::TOVLifecycleBusinessRules() : lists(std::make_unique<Lists>()) {}
+
+TOVLifecycleBusinessRules::TOVLifecycleBusinessRules(const TOVLifecycleBusinessRules& other)
+    : lists(std::make_unique<Lists>(*other.lists)) {}
+
+TOVLifecycleBusinessRules& TOVLifecycleBusinessRules::operator=(
+    const TOVLifecycleBusinessRules& other) {
+    if (this != &other) {
+        *lists = *other.lists;
+    }
+    return *this;
 }
 
-// The plain lookup, shared by every kind that has a single attribute.
-template <typename Rule>
-bool TOVLifecycleBusinessRules::selectRelatedRules(const std::vector<Rule>& rules,
-                                                   const PositionsByObjectType& index,
-                                                   const std::string& objectType,
-                                                   const std::vector<std::string>& attributes,
-                                                   const TOV_DMStructure* structure,
-                                                   std::vector<const Rule*>& related) {
-    return selectRules(rules, index, objectType, structure, related,
-                       [&attributes](const Rule& rule) {
-                           return listHoldsAttribute(attributes, rule.getAttribute());
-                       });
-}
-
-template <typename Rule>
-bool TOVLifecycleBusinessRules::selectRelatedLinkRules(
-    const std::vector<Rule>& rules, const PositionsByObjectType& index,
-    const std::string& objectType, const std::vector<std::string>& attributes,
-    const AttributesMap& fromValues, const AttributesMap& toValues,
-    const TOV_DMStructure* structure, std::vector<const Rule*>& related) {
-    return selectRules(rules, index, objectType, structure, related, [&](const Rule& rule) {
-        return listHoldsAttribute(attributes, rule.getAttribute()) &&
-               areStringsEqualAccountingAlsoAnyValue(
-                   candidateValue(rule.getAttribute(), fromValues, toValues), rule.getToValue());
-    });
-}
-
-TOVLifecycleBusinessRules::TOVLifecycleBusinessRules() = default;
+TOVLifecycleBusinessRules::~TOVLifecycleBusinessRules() = default;
 
 void TOVLifecycleBusinessRules::setTransitionsFreeze(
     const std::vector<TOVTransitionFreeze>& rules) {
-    replaceRules(transitionsFreeze, transitionsFreezeIndex, rules);
+    lists->of<TOVTransitionFreeze>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setHistoryLinks(const std::vector<TOVHistoryLink>& rules) {
-    replaceRules(historyLinks, historyLinksIndex, rules);
+    lists->of<TOVHistoryLink>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setManualLinks(const std::vector<TOVManualLink>& rules) {
-    replaceRules(manualLinks, manualLinksIndex, rules);
+    lists->of<TOVManualLink>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setTransitions(const std::vector<TOVTransition>& rules) {
-    replaceRules(transitions, transitionsIndex, rules);
+    lists->of<TOVTransition>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setFileConstraints(const std::vector<TOVFileConstraint>& rules) {
-    replaceRules(fileConstraints, fileConstraintsIndex, rules);
+    lists->of<TOVFileConstraint>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setVersioningAttributesSelections(
     const std::vector<TOVVersioningSelection>& rules) {
-    replaceRules(versioningSelections, versioningSelectionsIndex, rules);
+    lists->of<TOVVersioningSelection>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setConflictsResolutions(
     const std::vector<TOVConflictResolution>& rules) {
-    replaceRules(conflictResolutions, conflictResolutionsIndex, rules);
+    lists->of<TOVConflictResolution>().replace(rules);
 }
 void TOVLifecycleBusinessRules::setTriggers(const std::vector<TOVTrigger>& rules) {
-    replaceRules(triggers, triggersIndex, rules);
+    lists->of<TOVTrigger>().replace(rules);
 }
 
 void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(const TOVTransitionFreeze& rule) {
-    appendRule(transitionsFreeze, transitionsFreezeIndex, rule);
+    lists->of<TOVTransitionFreeze>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewTransitionFreezeRule(TOVTransitionFreeze&& rule) {
-    appendRule(transitionsFreeze, transitionsFreezeIndex, std::move(rule));
+    lists->of<TOVTransitionFreeze>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewHistoryLinkRule(const TOVHistoryLink& rule) {
-    appendRule(historyLinks, historyLinksIndex, rule);
+    lists->of<TOVHistoryLink>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewHistoryLinkRule(TOVHistoryLink&& rule) {
-    appendRule(historyLinks, historyLinksIndex, std::move(rule));
+    lists->of<TOVHistoryLink>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewManualLinkRule(const TOVManualLink& rule) {
-    appendRule(manualLinks, manualLinksIndex, rule);
+    lists->of<TOVManualLink>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewManualLinkRule(TOVManualLink&& rule) {
-    appendRule(manualLinks, manualLinksIndex, std::move(rule));
+    lists->of<TOVManualLink>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewTransitionRule(const TOVTransition& rule) {
-    appendRule(transitions, transitionsIndex, rule);
+    lists->of<TOVTransition>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewTransitionRule(TOVTransition&& rule) {
-    appendRule(transitions, transitionsIndex, std::move(rule));
+    lists->of<TOVTransition>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewFileConstraintRule(const TOVFileConstraint& rule) {
-    appendRule(fileConstraints, fileConstraintsIndex, rule);
+    lists->of<TOVFileConstraint>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewFileConstraintRule(TOVFileConstraint&& rule) {
-    appendRule(fileConstraints, fileConstraintsIndex, std::move(rule));
+    lists->of<TOVFileConstraint>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewVersioningAttrSelectionRule(
     const TOVVersioningSelection& rule) {
-    appendRule(versioningSelections, versioningSelectionsIndex, rule);
+    lists->of<TOVVersioningSelection>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewVersioningAttrSelectionRule(
     TOVVersioningSelection&& rule) {
-    appendRule(versioningSelections, versioningSelectionsIndex, std::move(rule));
+    lists->of<TOVVersioningSelection>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewConflictResolutionRule(const TOVConflictResolution& rule) {
-    appendRule(conflictResolutions, conflictResolutionsIndex, rule);
+    lists->of<TOVConflictResolution>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewConflictResolutionRule(TOVConflictResolution&& rule) {
-    appendRule(conflictResolutions, conflictResolutionsIndex, std::move(rule));
+    lists->of<TOVConflictResolution>().append(std::move(rule));
 }
 void TOVLifecycleBusinessRules::appendNewTriggerRule(const TOVTrigger& rule) {
-    appendRule(triggers, triggersIndex, rule);
+    lists->of<TOVTrigger>().append(rule);
 }
 void TOVLifecycleBusinessRules::appendNewTriggerRule(TOVTrigger&& rule) {
-    appendRule(triggers, triggersIndex, std::move(rule));
+    lists->of<TOVTrigger>().append(std::move(rule));
 }
 
 template <typename Rule>
 void TOVLifecycleBusinessRules::reserveRules(std::size_t additional) {
-    forEachRuleList(*this, [additional](auto& rules, const auto&, const char*, const char*) {
-        if constexpr (std::is_same_v<std::decay_t<decltype(rules)>, std::vector<Rule>>) {
-            rules.reserve(rules.size() + additional);
-        }
-    });
+    lists->of<Rule>().reserve(additional);
 }
 template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVTransitionFreeze>(std::size_t);
 template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVHistoryLink>(std::size_t);
@@ -360,59 +230,48 @@ template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVConflictResolut
 template TOV_API void TOVLifecycleBusinessRules::reserveRules<TOVFileConstraint>(std::size_t);
 
 void TOVLifecycleBusinessRules::clearAllRules() {
-    forEachRuleList(*this, [](auto& rules, auto& index, const char*, const char*) {
-        rules.clear();
-        index.clear();
-    });
+    lists->forEach([](auto& list, const TOVRuleKindWords&) { list.clear(); });
 }
 
 void TOVLifecycleBusinessRules::sortAllRules() {
-    forEachRuleList(*this, [](auto& rules, auto& index, const char*, const char*) {
-        sortRulesOfKind(rules);
-        indexRules(rules, index);
-    });
+    lists->forEach([](auto& list, const TOVRuleKindWords&) { list.sort(); });
 }
 
 bool TOVLifecycleBusinessRules::existAnyRules() const {
     bool any = false;
-    forEachRuleList(*this, [&any](const auto& rules, const auto&, const char*, const char*) {
-        any = any || !rules.empty();
-    });
+    lists->forEach(
+        [&any](const auto& list, const TOVRuleKindWords&) { any = any || !list.empty(); });
     return any;
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTransitionRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTransition*>& related) const {
-    return selectRelatedRules(transitions, transitionsIndex, objectType, attributes, structure,
-                              related);
+    return lists->selectRelated(objectType, attributes, structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTransitionFreezeRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTransitionFreeze*>& related) const {
-    return selectRelatedRules(transitionsFreeze, transitionsFreezeIndex, objectType, attributes,
-                              structure, related);
+    return lists->selectRelated(objectType, attributes, structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTriggerRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTrigger*>& related) const {
-    return selectRelatedRules(triggers, triggersIndex, objectType, attributes, structure, related);
+    return lists->selectRelated(objectType, attributes, structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedFileConstraintRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVFileConstraint*>& related) const {
-    return selectRelatedRules(fileConstraints, fileConstraintsIndex, objectType, attributes,
-                              structure, related);
+    return lists->selectRelated(objectType, attributes, structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedConflictResolutionRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVConflictResolution*>& related) const {
-    return selectRelatedRules(conflictResolutions, conflictResolutionsIndex, objectType, attributes,
-                              structure, related);
+    return lists->selectRelated(objectType, attributes, structure, related);
 }
 
 bool TOVLifecycleBusinessRules::getRelatedHistoryLinkRulesExact(
@@ -420,8 +279,8 @@ bool TOVLifecycleBusinessRules::getRelatedHistoryLinkRulesExact(
     const AttributesMap& fromValues, const AttributesMap& toValues,
     const TOV_DMStructure* structure, std::vector<const TOVHistoryLink*>& related,
     TOVLogger* logger) const {
-    const bool found = selectRelatedLinkRules(historyLinks, historyLinksIndex, objectType,
-                                              attributes, fromValues, toValues, structure, related);
+    const bool found =
+        lists->selectRelatedLinks(objectType, attributes, fromValues, toValues, structure, related);
     printDetailsOfScenarioLookingForRelatedRules("HISTORY RULES LOOKUP", objectType, attributes,
                                                  toValues, static_cast<int>(related.size()),
                                                  logger);
@@ -433,8 +292,8 @@ bool TOVLifecycleBusinessRules::getRelatedManualLinkRulesExact(
     const AttributesMap& fromValues, const AttributesMap& toValues,
     const TOV_DMStructure* structure, std::vector<const TOVManualLink*>& related,
     TOVLogger* logger) const {
-    const bool found = selectRelatedLinkRules(manualLinks, manualLinksIndex, objectType, attributes,
-                                              fromValues, toValues, structure, related);
+    const bool found =
+        lists->selectRelatedLinks(objectType, attributes, fromValues, toValues, structure, related);
     printDetailsOfScenarioLookingForRelatedRules("MANUAL RULES LOOKUP", objectType, attributes,
                                                  toValues, static_cast<int>(related.size()),
                                                  logger);
@@ -444,10 +303,10 @@ bool TOVLifecycleBusinessRules::getRelatedManualLinkRulesExact(
 bool TOVLifecycleBusinessRules::getRelatedVersioningSelectionRulesExact(
     const std::string& objectType, const AttributesMap& packet, const TOV_DMStructure* structure,
     std::vector<const TOVVersioningSelection*>& related) const {
-    return selectRules(versioningSelections, versioningSelectionsIndex, objectType, structure,
-                       related, [&packet](const TOVVersioningSelection& rule) {
-                           return rule.mustSelectVersioningAttributesAccordingToRule(packet);
-                       });
+    return lists->of<TOVVersioningSelection>().select(
+        objectType, structure, related, [&packet](const TOVVersioningSelection& rule) {
+            return rule.mustSelectVersioningAttributesAccordingToRule(packet);
+        });
 }
 
 void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
@@ -463,6 +322,11 @@ void TOVLifecycleBusinessRules::printDetailsOfScenarioLookingForRelatedRules(
         ".All target values=" + createCommaSeparatedStringStringMap(toValues) + "..... I found " +
         std::to_string(count) + " related rules.";
     logger->printToLog(message.c_str());
+}
+
+template <typename Rule>
+void TOVLifecycleBusinessRules::printRulesOfKind(TOVLogger* logger) const {
+    Lists::print(rulekinds::wordsOf(rulekinds::kindOf<Rule>()).heading, lists->of<Rule>(), logger);
 }
 
 void TOVLifecycleBusinessRules::printTransitionsFreezeContentsDBG(TOVLogger* logger) const {
@@ -491,27 +355,30 @@ void TOVLifecycleBusinessRules::printFileConstraintsDBG(TOVLogger* logger) const
 }
 
 void TOVLifecycleBusinessRules::printContentsDBG(TOVLogger* logger) const {
-    forEachRuleList(*this, [logger](const auto& rules, const auto&, const char* heading,
-                                    const char*) { printRules(heading, rules, logger); });
+    lists->forEach([logger](const auto& list, const TOVRuleKindWords& words) {
+        Lists::print(words.heading, list, logger);
+    });
 }
 
 std::vector<std::pair<std::string, std::string>> TOVLifecycleBusinessRules::expressRulesInWords()
     const {
     std::vector<std::pair<std::string, std::string>> sentences;
-    forEachRuleList(
-        *this, [&sentences](const auto& rules, const auto&, const char*, const char* label) {
-            if constexpr (!std::is_same_v<std::decay_t<decltype(rules)>, std::vector<TOVTrigger>>) {
-                for (const auto& rule : rules) {
-                    std::string sentence;
-                    rule.expressRuleInWords(sentence);
-                    sentences.emplace_back(label, sentence);
-                }
+    lists->forEach([&sentences](const auto& list, const TOVRuleKindWords& words) {
+        // A trigger is never reported as a violation, so it has no sentence.
+        if constexpr (!std::is_same_v<typename std::decay_t<decltype(list)>::RuleType,
+                                      TOVTrigger>) {
+            for (const auto& rule : list.rules()) {
+                std::string sentence;
+                rule.expressRuleInWords(sentence);
+                sentences.emplace_back(words.label, sentence);
             }
-        });
+        }
+    });
     return sentences;
 }
 
 std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRules() const {
+    const std::vector<TOVTrigger>& triggers = lists->of<TOVTrigger>().rules();
     std::vector<TOVTriggerDescription> descriptions;
     descriptions.reserve(triggers.size());
     for (const TOVTrigger& rule : triggers) {
@@ -524,11 +391,31 @@ std::vector<TOVTriggerDescription> TOVLifecycleBusinessRules::describeTriggerRul
 std::set<std::string> TOVLifecycleBusinessRules::collectObjectTypesOfRules() const {
     std::set<std::string> objectTypes;
     // A lambda here shares the store's friendship with the rule classes.
-    forEachRuleList(*this,
-                    [&objectTypes](const auto& rules, const auto&, const char*, const char*) {
-                        for (const auto& rule : rules) {
-                            objectTypes.insert(rule.getObjectType());
-                        }
-                    });
+    lists->forEach([&objectTypes](const auto& list, const TOVRuleKindWords&) {
+        for (const auto& rule : list.rules()) {
+            objectTypes.insert(rule.getObjectType());
+        }
+    });
     return objectTypes;
+}
+
+std::size_t TOVLifecycleBusinessRules::countRules(TOVRuleKind kind) const {
+    std::size_t count = 0;
+    lists->forEach([kind, &count](const auto& list, const TOVRuleKindWords& words) {
+        if (words.kind == kind) {
+            count = list.size();
+        }
+    });
+    return count;
+}
+
+std::size_t TOVLifecycleBusinessRules::documentPositionOfRule(TOVRuleKind kind,
+                                                              std::size_t index) const {
+    std::size_t position = std::numeric_limits<std::size_t>::max();
+    lists->forEach([kind, index, &position](const auto& list, const TOVRuleKindWords& words) {
+        if (words.kind == kind && index < list.size()) {
+            position = list.documentPosition(index);
+        }
+    });
+    return position;
 }

@@ -7,11 +7,11 @@
 
 namespace {
 
-const char* const kAttribute = "attribute";
-const char* const kFromValue = "fromValue";
-const char* const kToValue = "toValue";
-const char* const kAcceptableHistoryLinkValues = "acceptableHistoryLinkValues";
-const char* const kAcceptableManualLinkValues = "acceptableManualLinkValues";
+using rulekinds::kAcceptableHistoryLinkValues;
+using rulekinds::kAcceptableManualLinkValues;
+using rulekinds::kAttribute;
+using rulekinds::kFromValue;
+using rulekinds::kToValue;
 
 void pushLinkKeywords(const char* listKeyword, std::vector<std::string>& keywords) {
     keywords.emplace_back(kAttribute);
@@ -77,10 +77,6 @@ struct LinkRuleReader {
 
 TOVHistoryLinkRulesJsonParser::~TOVHistoryLinkRulesJsonParser() = default;
 
-std::string TOVHistoryLinkRulesJsonParser::getRuleName() {
-    return "History Link rule";
-}
-
 void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
     pushLinkKeywords(kAcceptableHistoryLinkValues, keywords);
 }
@@ -88,7 +84,7 @@ void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::str
 bool TOVHistoryLinkRulesJsonParser::parseSection(tovjson::Value& root,
                                                  TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, "historyLinks",
+        root, sectionKeyword(),
         [&](tovjson::Value& ruleObject, std::string& objectType) {
             LinkRuleReader<TOVHistoryLinkRulesJsonParser>::LinkRuleKeywords keywords;
             if (!LinkRuleReader<TOVHistoryLinkRulesJsonParser>::read(
@@ -106,10 +102,6 @@ bool TOVHistoryLinkRulesJsonParser::parseSection(tovjson::Value& root,
 
 TOVManualLinkRulesJsonParser::~TOVManualLinkRulesJsonParser() = default;
 
-std::string TOVManualLinkRulesJsonParser::getRuleName() {
-    return "Manual Link rule";
-}
-
 void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
     pushLinkKeywords(kAcceptableManualLinkValues, keywords);
 }
@@ -117,7 +109,7 @@ void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
 bool TOVManualLinkRulesJsonParser::parseSection(tovjson::Value& root,
                                                 TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, "manualLinks",
+        root, sectionKeyword(),
         [&](tovjson::Value& ruleObject, std::string& objectType) {
             LinkRuleReader<TOVManualLinkRulesJsonParser>::LinkRuleKeywords keywords;
             if (!LinkRuleReader<TOVManualLinkRulesJsonParser>::read(

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "json/TOVJsonParser.h"
 #include "json/json_types.h"
+#include "rules/rule_section_parser.h"
 
 class TOVLifecycleBusinessRules;
 
@@ -14,7 +14,7 @@ template <typename Parser>
 struct LinkRuleReader;
 
 // Reads the "historyLinks" section of the rules document into the store.
-class TOVHistoryLinkRulesJsonParser : public TOVJsonParser {
+class TOVHistoryLinkRulesJsonParser : public RuleSectionParser<TOVRuleKind_HistoryLink> {
     friend struct LinkRuleReader<TOVHistoryLinkRulesJsonParser>;
 
 public:
@@ -23,12 +23,11 @@ public:
     bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
-    std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 
 // Reads the "manualLinks" section of the rules document into the store.
-class TOVManualLinkRulesJsonParser : public TOVJsonParser {
+class TOVManualLinkRulesJsonParser : public RuleSectionParser<TOVRuleKind_ManualLink> {
     friend struct LinkRuleReader<TOVManualLinkRulesJsonParser>;
 
 public:
@@ -37,7 +36,6 @@ public:
     bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
-    std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 

@@ -5,31 +5,25 @@
 
 namespace {
 
-const char* const kSectionKeyword = "transitionsFreeze";
-const char* const kAttributeKeyword = "attribute";
-const char* const kConditionAttributeKeyword = "freezeConditionAttribute";
-const char* const kConditionValueKeyword = "freezeConditionValue";
+using rulekinds::kAttribute;
+using rulekinds::kFreezeConditionAttribute;
+using rulekinds::kFreezeConditionValue;
 
 }  // namespace
 
 TOVTransitionFreezeRulesJsonParser::~TOVTransitionFreezeRulesJsonParser() = default;
 
-std::string TOVTransitionFreezeRulesJsonParser::getRuleName() {
-    return "Transition Freeze rule";
-}
-
 void TOVTransitionFreezeRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
-    keywords.emplace_back(kAttributeKeyword);
-    keywords.emplace_back(kConditionAttributeKeyword);
-    keywords.emplace_back(kConditionValueKeyword);
+    keywords.emplace_back(kAttribute);
+    keywords.emplace_back(kFreezeConditionAttribute);
+    keywords.emplace_back(kFreezeConditionValue);
 }
 
 bool TOVTransitionFreezeRulesJsonParser::parseSection(tovjson::Value& root,
                                                       TOVLifecycleBusinessRules* store) {
     return parseStringRulesSection(
-        root, kSectionKeyword,
-        {kAttributeKeyword, kConditionAttributeKeyword, kConditionValueKeyword},
+        root, sectionKeyword(), {kAttribute, kFreezeConditionAttribute, kFreezeConditionValue},
         [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewTransitionFreezeRule(
                 TOVTransitionFreeze(objectType, values[0], values[1], values[2]));

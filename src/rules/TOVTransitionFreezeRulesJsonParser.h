@@ -4,20 +4,19 @@
 #include <string>
 #include <vector>
 
-#include "json/TOVJsonParser.h"
 #include "json/json_types.h"
+#include "rules/rule_section_parser.h"
 
 class TOVLifecycleBusinessRules;
 
 // Reads the "transitionsFreeze" section of the rules document into the store.
-class TOVTransitionFreezeRulesJsonParser : public TOVJsonParser {
+class TOVTransitionFreezeRulesJsonParser : public RuleSectionParser<TOVRuleKind_TransitionFreeze> {
 public:
     ~TOVTransitionFreezeRulesJsonParser() override;
 
     bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
 
 protected:
-    std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
 };
 

@@ -8,31 +8,26 @@
 
 namespace {
 
-const char* const kSectionKeyword = "transitions";
-const char* const kAttributeKeyword = "attribute";
-const char* const kFromValueKeyword = "fromValue";
-const char* const kToValueKeyword = "toValue";
-const char* const kAllowJumpsKeyword = "allowJumps";
-const char* const kAllowReverseKeyword = "allowReverse";
+using rulekinds::kAllowJumps;
+using rulekinds::kAllowReverse;
+using rulekinds::kAttribute;
+using rulekinds::kFromValue;
+using rulekinds::kToValue;
 
 }  // namespace
 
 TOVTransitionRulesJsonParser::~TOVTransitionRulesJsonParser() = default;
 
-std::string TOVTransitionRulesJsonParser::getRuleName() {
-    return "Transition rule";
-}
-
 void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
-    keywords.emplace_back(kAttributeKeyword);
-    keywords.emplace_back(kFromValueKeyword);
-    keywords.emplace_back(kToValueKeyword);
+    keywords.emplace_back(kAttribute);
+    keywords.emplace_back(kFromValue);
+    keywords.emplace_back(kToValue);
 }
 
 bool TOVTransitionRulesJsonParser::parseSection(tovjson::Value& root,
                                                 TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, kSectionKeyword,
+        root, sectionKeyword(),
         [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::string attribute;
             std::string fromValue;
@@ -40,17 +35,17 @@ bool TOVTransitionRulesJsonParser::parseSection(tovjson::Value& root,
             for (auto& member : ruleObject.GetObject()) {
                 const std::string keyword = getMemberName(member.name);
                 bool collected = true;
-                if (keyword == kAttributeKeyword) {
+                if (keyword == kAttribute) {
                     collected = collectStringFromValue(member.value, attribute);
-                } else if (keyword == kFromValueKeyword) {
+                } else if (keyword == kFromValue) {
                     collected = collectStringFromValue(member.value, fromValue);
-                } else if (keyword == kToValueKeyword) {
+                } else if (keyword == kToValue) {
                     // A repeated "toValue" adds to the list instead of replacing it.
                     collected = collectStringsFromArray(member.value, toValues);
-                } else if (keyword == kAllowJumpsKeyword) {
+                } else if (keyword == kAllowJumps) {
                     std::fputs("We do not support the allowJumps keyword in the Transition Rule.\n",
                                stdout);
-                } else if (keyword == kAllowReverseKeyword) {
+                } else if (keyword == kAllowReverse) {
                     std::fputs("We do not support the allowReverse keyword in the Transition Rule.",
                                stdout);
                 }

@@ -5,17 +5,13 @@
 
 namespace {
 
-const char* const kAttribute = "attribute";
-const char* const kInitializationValue = "initializationValue";
-const char* const kTriggerInitialize = "triggerInitialize";
+using rulekinds::kAttribute;
+using rulekinds::kInitializationValue;
+using rulekinds::kTriggerInitialize;
 
 }  // namespace
 
 TOVTriggersRulesJsonParser::~TOVTriggersRulesJsonParser() = default;
-
-std::string TOVTriggersRulesJsonParser::getRuleName() {
-    return "Triggers rule";
-}
 
 void TOVTriggersRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string>& keywords) {
     keywords.emplace_back(kAttribute);
@@ -26,7 +22,7 @@ void TOVTriggersRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string
 bool TOVTriggersRulesJsonParser::parseSection(tovjson::Value& root,
                                               TOVLifecycleBusinessRules* store) {
     return parseStringRulesSection(
-        root, "triggers", {kAttribute, kTriggerInitialize, kInitializationValue},
+        root, sectionKeyword(), {kAttribute, kTriggerInitialize, kInitializationValue},
         [store](const std::string& objectType, const std::vector<std::string>& values) {
             store->appendNewTriggerRule(TOVTrigger(objectType, values[0], values[1], values[2]));
         },

@@ -6,20 +6,15 @@
 
 namespace {
 
-const char* const kSectionKeyword = "versioningSelections";
-const char* const kConditionAttribute1 = "conditionAttribute1";
-const char* const kConditionValue1 = "conditionValue1";
-const char* const kConditionAttribute2 = "conditionAttribute2";
-const char* const kConditionValue2 = "conditionValue2";
-const char* const kVersioningOption = "versioningOption";
+using rulekinds::kConditionAttribute1;
+using rulekinds::kConditionAttribute2;
+using rulekinds::kConditionValue1;
+using rulekinds::kConditionValue2;
+using rulekinds::kVersioningOption;
 
 }  // namespace
 
 TOVVersioningSelectionRulesJsonParser::~TOVVersioningSelectionRulesJsonParser() = default;
-
-std::string TOVVersioningSelectionRulesJsonParser::getRuleName() {
-    return "Versioning Selection rule";
-}
 
 void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
     std::vector<std::string>& keywords) {
@@ -31,7 +26,7 @@ void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
 bool TOVVersioningSelectionRulesJsonParser::parseSection(tovjson::Value& root,
                                                          TOVLifecycleBusinessRules* store) {
     return parseRulesSection(
-        root, kSectionKeyword,
+        root, sectionKeyword(),
         [&](tovjson::Value& ruleObject, std::string& objectType) {
             std::string conditionAttribute1;
             std::vector<std::string> conditionValues1;

@@ -8,6 +8,11 @@
 
 #include "example_scenario.h"
 #include "test_support.h"
+#include "tov/TOVEngine.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/entry_points.h"
+#include "tov/request_kinds.h"
 
 namespace {
 
@@ -174,6 +179,25 @@ TEST(EngineKinds, NamesTheDocumentsFirstThenTheRequests) {
     EXPECT_TRUE(TOVEngine::isDocumentKind("datamodel"));
     EXPECT_FALSE(TOVEngine::isDocumentKind("edit"));
     EXPECT_FALSE(TOVEngine::isDocumentKind("Rules"));
+}
+
+// The engine's words are those of the one public table, which also gives each
+// kind its entry points and its words for help texts.
+TEST(EngineKinds, AreThePublicTableOfRequestKinds) {
+    std::vector<std::string> names;
+    for (const TOVRequestKind& kind : GetTOVRequestKinds()) {
+        names.emplace_back(kind.name);
+        EXPECT_EQ(TOVEngine::isDocumentKind(kind.name), kind.isDocument) << kind.name;
+        EXPECT_NE(std::string(kind.description), "") << kind.name;
+        EXPECT_EQ(FindTOVRequestKind(kind.name), &kind);
+    }
+    EXPECT_EQ(names, TOVEngine::kindNames());
+    EXPECT_EQ(FindTOVRequestKind("link")->fromText, &EvaluateTOVManualLinkCreation);
+    EXPECT_EQ(FindTOVRequestKind("rules")->fromFile, &InitializeTOVRulesFromFile);
+    EXPECT_STREQ(FindTOVRequestKind("options")->description,
+                 "which conflict resolutions are proper for this change? (options query)");
+    EXPECT_EQ(FindTOVRequestKind("Edit"), nullptr);
+    EXPECT_EQ(FindTOVRequestKind(""), nullptr);
 }
 
 }  // namespace

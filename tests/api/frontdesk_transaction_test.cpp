@@ -6,13 +6,16 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "api/TOVVemoFrontdesk.h"
+#include "api/factory.h"
 #include "tov/TOVActionController.h"
 #include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVEditController.h"
 #include "tov/TOVFrontdesk.h"
 #include "tov/TOVFunctionality.h"
 #include "tov/TOVLifecycleBusinessRules.h"
@@ -332,6 +335,30 @@ TEST_F(FactoryTest, ExtremeValuesAreWrittenAsSigned32BitNumbers) {
               "ATTENTION!!! YOU FORGOT TO ADD 2147483647 IN THE FACTORY!!\n");
 }
 
+// The library's own road hands a request's text on instead of copying it.
+TEST_F(FactoryTest, TheControllerTakesTheInputOverWhenThereIsOne) {
+    setTOVLoggingFolder("", &coreData);
+    StringMap input{{"All_transition_values", R"({"objectType":"Part"})"}};
+    std::unique_ptr<TOVActionController> controller(
+        createControllerTakingInput(TOVFunctionality_EditAttempt, input, &coreData));
+    ASSERT_NE(controller, nullptr);
+    EXPECT_TRUE(input.empty());
+    EXPECT_NE(dynamic_cast<const TOVEditController*>(controller.get()), nullptr);
+    EXPECT_EQ(tovtest::asText(controller->evaluateAndRespond()),
+              R"({"Result":"Failure","ResultComment":"Initial Attributes demands ALL keywords: )"
+              R"([initialAttributes]"})");
+}
+
+TEST_F(FactoryTest, WithoutAControllerTheInputStaysWhereItWas) {
+    StringMap input{{"All_transition_values", "{}"}};
+    startCapture();
+    TOVActionController* controller =
+        createControllerTakingInput(kUnknownFunctionality, input, &coreData);
+    EXPECT_EQ(stopCapture(), "ATTENTION!!! YOU FORGOT TO ADD 8 IN THE FACTORY!!\n");
+    EXPECT_EQ(controller, nullptr);
+    EXPECT_EQ(input, (StringMap{{"All_transition_values", "{}"}}));
+}
+
 TEST_F(FactoryTest, MessageGoesToTheLoggerOfTheGivenCoreData) {
     setTOVLoggingFolder("", &coreData);
     startCapture();
@@ -361,7 +388,9 @@ TEST_F(TransactionTest, UnknownFunctionalityLeavesTheTransactionWithoutControlle
 
 TEST_F(TransactionTest, ExecutingWithoutControllerGivesTheDefaultResponseSilently) {
     StringMap input;
+    startCapture();
     TOVTransactionController transaction(kNegativeFunctionality, input, &coreData);
+    EXPECT_EQ(stopCapture(), "ATTENTION!!! YOU FORGOT TO ADD -1 IN THE FACTORY!!\n");
     ASSERT_FALSE(transaction.hasController());
 
     startCapture();
@@ -372,7 +401,9 @@ TEST_F(TransactionTest, ExecutingWithoutControllerGivesTheDefaultResponseSilentl
 
 TEST_F(TransactionTest, DestroyingATransactionWithoutControllerLogsNothing) {
     StringMap input;
+    startCapture();
     auto* transaction = new TOVTransactionController(kUnknownFunctionality, input, &coreData);
+    EXPECT_EQ(stopCapture(), "ATTENTION!!! YOU FORGOT TO ADD 8 IN THE FACTORY!!\n");
     startCapture();
     delete transaction;
     EXPECT_EQ(stopCapture(), "");

@@ -10,7 +10,7 @@
 
 #include "example_scenario.h"
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/entry_points.h"
 
 namespace {
 

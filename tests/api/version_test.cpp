@@ -7,7 +7,6 @@
 #include <string>
 
 #include "tov/entry_points.h"
-#include "tov/tov.h"
 
 namespace {
 

@@ -15,6 +15,8 @@
 #include "c_api/answers.h"
 #include "json/json_types.h"
 #include "test_support.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
 #include "tov/tov_c.h"
 
 namespace {

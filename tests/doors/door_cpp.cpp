@@ -11,7 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
 
 namespace {
 

@@ -9,7 +9,14 @@
 
 #include "evaluators/TOVConflictsResolutionOptionsFinderParser.h"
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVActionController.h"
+#include "tov/TOVConflictsResolutionOptionsFinder.h"
+#include "tov/TOVFunctionality.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVSpinupOptionsFinder.h"
+#include "tov/TOVTransactionController.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 
@@ -414,7 +421,7 @@ TEST_F(ConflictOptions, TargetPacketIsNotNarrowedToWhatChanges) {
 }
 
 TEST(ConflictOptionsParsers, RuleNamesAndKeywords) {
-    ExposedTopParser top(nullptr);
+    ExposedTopParser top;
     Exposed<TOVVersionerObjectTypeJsonParser> objectType;
     Exposed<TOVVersionerInitialAttributesParser> initial;
     Exposed<TOVVersionerTargetAttributesParser> target;

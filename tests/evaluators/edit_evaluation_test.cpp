@@ -6,7 +6,11 @@
 #include <string>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/entry_points.h"
 
 namespace {
 

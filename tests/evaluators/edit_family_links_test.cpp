@@ -6,7 +6,9 @@
 #include <string>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

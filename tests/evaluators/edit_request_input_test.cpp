@@ -10,7 +10,14 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVActionController.h"
+#include "tov/TOVEditController.h"
+#include "tov/TOVFunctionality.h"
+#include "tov/TOVJsonComposer.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVTransactionController.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

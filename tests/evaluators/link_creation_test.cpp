@@ -9,7 +9,13 @@
 
 #include "evaluators/TOVLinkCreationParser.h"
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVActionController.h"
+#include "tov/TOVFunctionality.h"
+#include "tov/TOVLinkController.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVTransactionController.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 
@@ -328,7 +334,7 @@ TEST_F(LinkCreation, SectionThatGivesUpStoresNothing) {
 }
 
 TEST(LinkCreationParsers, RuleNamesAndKeywords) {
-    ExposedLinkCreationParser top(nullptr);
+    ExposedLinkCreationParser top;
     ExposedAncestorParser ancestor;
     ExposedDescendantParser descendant;
     EXPECT_EQ(top.getRuleName(), "Lifecycle Business");

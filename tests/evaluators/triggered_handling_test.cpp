@@ -7,7 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVLogger.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

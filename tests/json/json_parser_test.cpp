@@ -10,6 +10,7 @@
 #include "json/TOVJsonParser.h"
 #include "json/json_types.h"
 #include "test_support.h"
+#include "tov/vocabulary.h"
 
 namespace {
 
@@ -43,16 +44,40 @@ public:
     using TOVJsonParser::setParsingResult;
     using TOVJsonParser::updateParsingResult;
 
-    using TOVJsonParser::setAttributeValueBoolParsingError;
-    using TOVJsonParser::setAttributeValuesStringListParsingError;
-    using TOVJsonParser::setAttributeValueStringParsingError;
-    using TOVJsonParser::setErrorParsingTheKeysValuesMapOfAttribute;
-    using TOVJsonParser::setImmediateContentsShouldBeMapParsingError;
-    using TOVJsonParser::setJsonSectionNotAListError;
-    using TOVJsonParser::setJsonSectionNotAMapError;
-    using TOVJsonParser::setNotAllNecessaryKeywordsFoundParsingError;
-    using TOVJsonParser::setObjectListedRuleNotAMapError;
-    using TOVJsonParser::setObjectRulesNotAListError;
+    // Each appends one message as an error site does, leaving the result alone.
+    void setAttributeValueBoolParsingError(const std::string& owner, const std::string& attribute) {
+        appendToParsingErrorComment(attributeValueBoolParsingError(owner, attribute).c_str());
+    }
+    void setAttributeValueStringParsingError(const std::string& owner,
+                                             const std::string& attribute) {
+        appendToParsingErrorComment(attributeValueStringParsingError(owner, attribute).c_str());
+    }
+    void setAttributeValuesStringListParsingError(const std::string& owner,
+                                                  const std::string& attribute) {
+        appendToParsingErrorComment(
+            attributeValuesStringListParsingError(owner, attribute).c_str());
+    }
+    void setErrorParsingTheKeysValuesMapOfAttribute(const std::string& attribute) {
+        appendToParsingErrorComment(errorParsingTheKeysValuesMapOfAttribute(attribute).c_str());
+    }
+    void setImmediateContentsShouldBeMapParsingError() {
+        appendToParsingErrorComment(immediateContentsShouldBeMapParsingError().c_str());
+    }
+    void setJsonSectionNotAListError(const std::string& section) {
+        appendToParsingErrorComment(jsonSectionNotAListError(section).c_str());
+    }
+    void setJsonSectionNotAMapError(const std::string& section) {
+        appendToParsingErrorComment(jsonSectionNotAMapError(section).c_str());
+    }
+    void setNotAllNecessaryKeywordsFoundParsingError(const std::string& owner) {
+        appendToParsingErrorComment(notAllNecessaryKeywordsFoundParsingError(owner).c_str());
+    }
+    void setObjectListedRuleNotAMapError(const std::string& owner) {
+        appendToParsingErrorComment(objectListedRuleNotAMapError(owner).c_str());
+    }
+    void setObjectRulesNotAListError(const std::string& owner) {
+        appendToParsingErrorComment(objectRulesNotAListError(owner).c_str());
+    }
 };
 
 // A parser of a named thing with mandatory keywords, as derived parsers are.

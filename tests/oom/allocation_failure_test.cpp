@@ -18,7 +18,10 @@
 
 #include "example_scenario.h"
 #include "failure_injection.h"
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
+#include "tov/tov_c.h"
 
 namespace {
 

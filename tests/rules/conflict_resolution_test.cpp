@@ -7,7 +7,14 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOV_DMAttribute.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

@@ -6,7 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

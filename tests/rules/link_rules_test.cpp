@@ -9,7 +9,12 @@
 #include "json/json_types.h"
 #include "rules/TOVLinkRulesJsonParsers.h"
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVResponse.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

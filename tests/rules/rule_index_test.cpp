@@ -10,7 +10,19 @@
 #include <vector>
 
 #include "dm/object_type_matching.h"
-#include "tov/tov.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOVVersioningSelection.h"
+#include "tov/TOV_DMAttribute.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

@@ -11,7 +11,15 @@
 #include <string>
 #include <vector>
 
-#include "tov/tov.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOVVersioningSelection.h"
 
 namespace {
 

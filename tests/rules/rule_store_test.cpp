@@ -2,7 +2,22 @@
 #include <vector>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVConflictResolution.h"
+#include "tov/TOVFileConstraint.h"
+#include "tov/TOVHistoryLink.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVManualLink.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVTransition.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/TOVTrigger.h"
+#include "tov/TOVVersioningSelection.h"
+#include "tov/TOV_DMAttribute.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+#include "tov/entry_points.h"
+#include "tov/rule_kinds.h"
+#include "tov/vocabulary.h"
 
 namespace {
 
@@ -315,6 +330,70 @@ TEST(RuleStore, CopiesAreDeep) {
     const TOVLifecycleBusinessRules copy = store;
     store.clearAllRules();
     EXPECT_EQ(countTransitions(copy, "Part", {"A"}, &structure), 1u);
+}
+
+TEST(RuleStore, AnAssignedStoreHoldsCopiesOfTheOthersRules) {
+    const TOV_DMStructure structure = makeStructure();
+    TOVLifecycleBusinessRules store;
+    store.appendNewTransitionRule(transitionRule("Part", "A"));
+    TOVLifecycleBusinessRules assigned;
+    assigned.appendNewTriggerRule(TOVTrigger("Part", "A", "B", "v"));
+    assigned = store;
+    store.clearAllRules();
+    EXPECT_EQ(countTransitions(assigned, "Part", {"A"}, &structure), 1u);
+    EXPECT_EQ(assigned.countRules(TOVRuleKind_Trigger), 0u);
+}
+
+// The place of each rule in its section of the document, in the order in which
+// the rules are judged: the same rule carries its number through the sort.
+TEST(RuleStore, EveryRuleKeepsItsPlaceInItsSectionOfTheDocument) {
+    PrivateCore core;
+    const TOVResponse load = InitializeTOVRules(R"({
+      "transitions": {
+        "Part": [{"attribute": "Status", "fromValue": "W", "toValue": ["R"]},
+                 {"attribute": "Status", "fromValue": "B", "toValue": ["R"]}],
+        "ALL": [{"attribute": "Owner", "fromValue": "x", "toValue": ["y"]}]
+      },
+      "triggers": {"Part": [{"attribute": "Status", "triggerInitialize": "Owner",
+                             "initializationValue": "v"}]}
+    })",
+                                                core.get());
+    ASSERT_TRUE(load.getGeneralResult()) << load.getGeneralResultComment();
+    const TOVLifecycleBusinessRules& store = *core.rules();
+    ASSERT_EQ(store.countRules(TOVRuleKind_Transition), 3u);
+    std::vector<std::string> judged;
+    for (const auto& sentence : store.expressRulesInWords()) {
+        judged.push_back(sentence.second);
+    }
+    // Sorted by object type (the shorter first), then by from value.
+    EXPECT_EQ(judged,
+              (std::vector<std::string>{"For Part: Status can transition from \"B\" to \"R\"",
+                                        "For Part: Status can transition from \"W\" to \"R\"",
+                                        "For <any>: Owner can transition from \"x\" to \"y\""}));
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 0), 1u);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 1), 0u);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 2), 2u);
+    EXPECT_EQ(store.countRules(TOVRuleKind_Trigger), 1u);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Trigger, 0), 0u);
+    EXPECT_EQ(store.countRules(TOVRuleKind_ManualLink), 0u);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 3), SIZE_MAX);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_ManualLink, 0), SIZE_MAX);
+
+    const TOVLifecycleBusinessRules copy = store;
+    EXPECT_EQ(copy.documentPositionOfRule(TOVRuleKind_Transition, 0), 1u);
+}
+
+TEST(RuleStore, ARuleListSetWholeIsNumberedByItsPlaceInIt) {
+    TOVLifecycleBusinessRules store;
+    store.setTransitions({transitionRule("Part", "B"), transitionRule("Part", "A")});
+    store.appendNewTransitionRule(transitionRule("Doc", "C"));
+    store.sortAllRules();
+    // "Doc" before "Part", and Part's rules by attribute.
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 0), 2u);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 1), 1u);
+    EXPECT_EQ(store.documentPositionOfRule(TOVRuleKind_Transition, 2), 0u);
+    store.clearAllRules();
+    EXPECT_EQ(store.countRules(TOVRuleKind_Transition), 0u);
 }
 
 }  // namespace

@@ -5,7 +5,12 @@
 #include <vector>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVFunctionality.h"
+#include "tov/TOVInitializerController.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVTransition.h"
+#include "tov/entry_points.h"
 
 namespace {
 

@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVTrigger.h"
+#include "tov/entry_points.h"
 
 namespace {
 

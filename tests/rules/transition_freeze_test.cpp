@@ -6,7 +6,10 @@
 #include <vector>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVTransitionFreeze.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

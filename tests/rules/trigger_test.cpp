@@ -8,7 +8,11 @@
 #include "json/json_types.h"
 #include "rules/TOVTriggersRulesJsonParser.h"
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVTrigger.h"
+#include "tov/entry_points.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

@@ -3,7 +3,15 @@
 #include <vector>
 
 #include "test_support.h"
-#include "tov/tov.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVResponse.h"
+#include "tov/TOVVersioningSelection.h"
+#include "tov/TOV_DMAttribute.h"
+#include "tov/TOV_DMStructure.h"
+#include "tov/TOV_DMStructureObject.h"
+#include "tov/entry_points.h"
+#include "tov/string_helpers.h"
+#include "tov/vocabulary.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "api/request_kinds.h"
 #include "json/json_types.h"
 #include "tov/entry_points.h"
+#include "tov/request_kinds.h"
 
 namespace tovtest {
 
@@ -36,7 +36,7 @@ const char* memberString(const tovjson::Value& object, const char* keyword) {
 }  // namespace
 
 RequestFunction requestFunctionOfKind(const std::string& kind) {
-    const tovapi::RequestKind* found = tovapi::findRequestKind(kind.c_str());
+    const TOVRequestKind* found = FindTOVRequestKind(kind);
     return found == nullptr ? nullptr : found->fromText;
 }
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "example_scenario.h"
-#include "tov/tov.h"
+#include "tov/TOVCoreDataControllers.h"
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include "input_files.h"
 #include "request_kinds.h"
 #include "sha256.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/TOVTrigger.h"
 
 namespace tovserve {
 

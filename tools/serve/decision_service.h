@@ -15,7 +15,7 @@
 #include "decision_log.h"
 #include "serve_metrics.h"
 #include "tov/TOVEngine.h"
-#include "tov/tov.h"
+#include "tov/TOVResponse.h"
 
 namespace tovserve {
 

@@ -13,6 +13,7 @@
 #include "openapi_document.h"
 #include "request_kinds.h"
 #include "rules_in_words.h"
+#include "tov/entry_points.h"
 
 namespace tovserve {
 
