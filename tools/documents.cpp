@@ -45,9 +45,12 @@ std::vector<std::string> splitFaults(const std::string& comment) {
 // as the library tells them when it reads the document again: the first piece
 // of a fault names its section, any further piece (a "|" within a name) none.
 std::vector<std::string> sectionsOfFaults(const Document& document, std::size_t faultCount) {
-    const std::vector<TOVDocumentFault> faults =
-        document.kind == Document::kRules ? FindTOVRulesDocumentFaults(document.path, true)
-                                          : FindTOV_DMInfoDocumentFaults(document.path, true);
+    // A document held as its text is read again from its text.
+    const std::string& input = document.text == nullptr ? document.path : *document.text;
+    const bool isPath = document.text == nullptr;
+    const std::vector<TOVDocumentFault> faults = document.kind == Document::kRules
+                                                     ? FindTOVRulesDocumentFaults(input, isPath)
+                                                     : FindTOV_DMInfoDocumentFaults(input, isPath);
     std::vector<std::string> sections;
     for (const TOVDocumentFault& fault : faults) {
         sections.push_back(fault.section);
