@@ -35,6 +35,7 @@ set(TOV_SOURCES
   rules/rule_kinds.cpp
   # Request frame: response, core data, controller base
   frame/TOVActionController.cpp
+  frame/TOVDecisionTrace.cpp
   frame/TOVCoreDataControllers.cpp
   frame/TOVResponse.cpp
   frame/TOVResponseJsonParser.cpp

@@ -15,24 +15,6 @@
 
 namespace tovcli {
 
-namespace {
-
-// A trigger is never reported as a violation, so the library has no sentence
-// for it; this one reads like the sentences of the other kinds.
-std::string triggerInWords(const TOVTriggerDescription& trigger) {
-    std::string words =
-        "For " + trigger.objectType + ": When " + trigger.attribute + " is edited, ";
-    if (trigger.triggerInitialize == TOVAttrItemKeyword_ProperVersioningAttribute) {
-        words += "the proper versioning attribute (" + trigger.triggerInitialize + ")";
-    } else {
-        words += trigger.triggerInitialize;
-    }
-    words += " must be initialized to " + createStringInQuotes(trigger.initializationValue.c_str());
-    return words;
-}
-
-}  // namespace
-
 std::vector<std::string> labelsInStoreOrder() {
     std::vector<std::string> labels;
     for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
@@ -52,7 +34,7 @@ RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
         byKind[entry.first].push_back(entry.second);
     }
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
-        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(triggerInWords(trigger));
+        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(expressTriggerInWords(trigger));
     }
     RuleGroups groups;
     for (const std::string& kind : kinds) {

@@ -40,6 +40,10 @@ public:
     bool doesThisTransitionHaveAConstrainedConflictResolution(
         const std::string& objectType, const AttributesMap& initial, const AttributesMap& target,
         const TOV_DMStructure* structure, TOVConflictResolutionValues& value) const;
+    // True when the rule forces a resolution on this transition at all, the
+    // object type aside: what the edit check asks before it looks at how the
+    // edit resolved.
+    bool appliesTo(const AttributesMap& initial, const AttributesMap& target) const;
     void expressRuleInWords(std::string& text) const;
     // By object type, attribute, from value, to value, then the file setting.
     bool operator<(const TOVConflictResolution& other) const;

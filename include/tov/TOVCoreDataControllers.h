@@ -15,6 +15,7 @@
 
 #include "tov/export.h"
 
+class TOVDecisionObserver;
 class TOVLifecycleBusinessRules;
 class TOV_DMStructure;
 class TOVLogger;
@@ -33,7 +34,8 @@ public:
     void initializeFromStatics();
     // Creates a private, empty set that this record owns and frees.
     void initializeByMalloc();
-    // Copies the pointers of `other` (not null) without owning them.
+    // Copies the pointers of `other` (not null) without owning them, its
+    // decision observer included.
     void borrowData(TOVCoreDataControllers* other);
     // Borrows the three parts one by one, so that parts owned elsewhere (an
     // engine's generations share a data model between them) can be combined.
@@ -46,11 +48,18 @@ public:
     TOV_DMStructure* getDmInfo() { return dmInfo; }
     TOVLogger* getLogger() { return logger; }
 
+    // Who is told which rules judge the requests of calls on this core data
+    // (see TOVDecisionTrace.h), or null, the default, for nobody. Not owned.
+    // Give each calling thread a core data of its own when observing.
+    void setDecisionObserver(TOVDecisionObserver* observerToTell) { observer = observerToTell; }
+    TOVDecisionObserver* getDecisionObserver() const { return observer; }
+
 private:
     TOVLifecycleBusinessRules* rules;
     TOV_DMStructure* dmInfo;
     TOVLogger* logger;
     bool ownsData;
+    TOVDecisionObserver* observer;
 };
 
 // The process-wide instances, created empty on first use and never deleted.

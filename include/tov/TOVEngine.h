@@ -29,6 +29,7 @@
 #include "tov/export.h"
 
 class TOVCoreDataControllers;
+class TOVDecisionObserver;
 class TOVLifecycleBusinessRules;
 class TOV_DMStructure;
 class TOVLogger;
@@ -43,8 +44,10 @@ public:
 
     // Answers a request of `kind` (not a document: a generation never changes)
     // given as JSON text, or as the path of a file when `inputIsFilePath`.
+    // `observer`, when given, is told which rules judged it (TOVDecisionTrace.h).
     TOVResponse evaluate(const std::string& kind, const std::string& input,
-                         bool inputIsFilePath = false) const;
+                         bool inputIsFilePath = false,
+                         TOVDecisionObserver* observer = nullptr) const;
 
     // 0 for a new engine's empty start; each load of a document that is
     // published counts one up (a change of the log does not).
@@ -78,9 +81,13 @@ public:
     // Answers one call of `kind` given as JSON text. A document replaces that
     // document for every later call; a request is judged by the current
     // generation. An unknown kind gets a Failure whose comment names the kinds.
-    TOVResponse evaluate(const std::string& kind, const std::string& text);
+    // `observer`, when given, is told which rules judged a request, in order
+    // (TOVDecisionTrace.h); a load judges none.
+    TOVResponse evaluate(const std::string& kind, const std::string& text,
+                         TOVDecisionObserver* observer = nullptr);
     // The same with the path of a file that holds the JSON text.
-    TOVResponse evaluateFile(const std::string& kind, const std::string& path);
+    TOVResponse evaluateFile(const std::string& kind, const std::string& path,
+                             TOVDecisionObserver* observer = nullptr);
 
     // For a door that must still hand the answer on (copy it out for a host
     // in another language, send it): `handOn` gets the answer of a load before
@@ -88,7 +95,8 @@ public:
     // leaves its document not loaded, as an interrupted load does, so that a
     // caller who never got the answer is never served from the new document.
     void evaluateAndHandOn(const std::string& kind, const std::string& input, bool inputIsFilePath,
-                           const std::function<void(const TOVResponse&)>& handOn);
+                           const std::function<void(const TOVResponse&)>& handOn,
+                           TOVDecisionObserver* observer = nullptr);
 
     // What replaceDocuments did.
     struct DocumentsLoad {
@@ -119,7 +127,8 @@ public:
 private:
     struct State;
 
-    TOVResponse answer(const std::string& kind, const std::string& input, bool inputIsFilePath);
+    TOVResponse answer(const std::string& kind, const std::string& input, bool inputIsFilePath,
+                       TOVDecisionObserver* observer);
     // Loads one document ("rules" or "datamodel") into a new store beside the
     // current generation's other parts, hands the answer on, then publishes.
     void load(const std::string& kind, const std::string& input, bool inputIsFilePath,

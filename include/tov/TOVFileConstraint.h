@@ -31,6 +31,9 @@ public:
     // object) binds only a rule whose from value is "<any>".
     bool shouldTransitionBeForbidden(const AttributesMap& initial,
                                      const AttributesMap& target) const;
+    // True when the rule constrains this transition at all, whatever the
+    // upload: it is binding, and the edit makes the move it names.
+    bool appliesTo(const AttributesMap& initial, const AttributesMap& target) const;
     void expressRuleInWords(std::string& text) const;
     // By object type, attribute, from value, to value; case ignored, length first.
     bool operator<(const TOVFileConstraint& other) const;

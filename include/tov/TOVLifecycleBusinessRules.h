@@ -143,6 +143,14 @@ public:
     // past the end.
     std::size_t countRules(TOVRuleKind kind) const;
     std::size_t documentPositionOfRule(TOVRuleKind kind, std::size_t index) const;
+    // The place in the store's order of a rule that a lookup handed out (a
+    // pointer into this store, of any of the eight rule classes), or SIZE_MAX
+    // for a rule the store does not hold.
+    template <typename Rule>
+    std::size_t indexOfRule(const Rule* rule) const;
+    // The rule at `index` of `kind` as a sentence, as the comments and tools
+    // tell it (a trigger too); empty for an index past the end.
+    std::string ruleInWords(TOVRuleKind kind, std::size_t index) const;
 
     // Every list under its heading, in a fixed order.
     void printContentsDBG(TOVLogger* logger) const;

@@ -23,6 +23,9 @@ public:
     // attribute the target leaves out is judged as staying on its from value.
     bool shouldTransitionBeForbidden(const AttributesMap& initial,
                                      const AttributesMap& target) const;
+    // True when the rule judges an object with the packet `initial` at all:
+    // the packet holds the rule's attribute on its from value.
+    bool appliesTo(const AttributesMap& initial) const;
     // Whether the rule's attribute is a secondary one of the edited object type.
     bool constrainsSecondaryAttribute(const std::string& editedObjectType,
                                       const TOV_DMStructure* structure) const;

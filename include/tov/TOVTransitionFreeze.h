@@ -20,6 +20,9 @@ public:
     // True when this rule freezes the named attribute in the packet from
     // before the edit. Names and values compare ignoring case, "<any>" matching.
     bool shouldPackageBeFrozen(const std::string& attributeName, const AttributesMap& packet) const;
+    // True when the rule is about the named attribute, whatever its condition:
+    // what the freeze check asks the rule for that attribute at all.
+    bool concernsAttribute(const std::string& attributeName) const;
     void expressRuleInWords(std::string& text) const;
     // By object type, condition attribute, condition value; `attribute` takes
     // no part.

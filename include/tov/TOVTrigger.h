@@ -20,6 +20,10 @@ struct TOVTriggerDescription {
     std::string initializationValue;  // the value it is to receive
 };
 
+// A trigger in a sentence like those of the other kinds, as tools tell it:
+// "For Part: When Status is edited, ReleaseDate must be initialized to "Reset"".
+TOV_API std::string expressTriggerInWords(const TOVTriggerDescription& trigger);
+
 class TOV_API TOVTrigger {
 public:
     TOVTrigger();
@@ -28,6 +32,9 @@ public:
 
     // True when the target is exactly "Proper_Versioning_Attribute", case included.
     bool isAbstractVersioningReinitializationRule() const;
+    // Appends the rule as a sentence (see expressTriggerInWords); the library
+    // never reports a trigger as a violation, but a trace tells it.
+    void expressRuleInWords(std::string& text) const;
 
     std::string getAttribute() const { return attribute; }
     std::string getTriggerInitialize() const { return triggerInitialize; }

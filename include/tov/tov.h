@@ -6,6 +6,7 @@
 #include "tov/TOVConflictResolution.h"
 #include "tov/TOVConflictsResolutionOptionsFinder.h"
 #include "tov/TOVCoreDataControllers.h"
+#include "tov/TOVDecisionTrace.h"
 #include "tov/TOVEditController.h"
 #include "tov/TOVEngine.h"
 #include "tov/TOVFileConstraint.h"

@@ -71,6 +71,19 @@ TOV_API char* tov_evaluate(tov_engine* engine, const char* kind, const char* jso
  * {"Result":"Failure","ResultComment":"Json has fundamental parsing error"}. */
 TOV_API char* tov_evaluate_file(tov_engine* engine, const char* kind, const char* path);
 
+/* The same as tov_evaluate, and tells which rules judged the request: *trace
+ * (when trace is not NULL) becomes a JSON array, one object per rule in the
+ * order of judging, to be freed with tov_string_free, for instance
+ *   [{"section":"transitions","number":2,"rule":"For Part: Status can ...",
+ *     "outcome":"objected","decisive":true}]
+ * "number" is the rule's place in its section of the rules document, from 1;
+ * "outcome" is "approved", "objected", "asked for missing data" or "not
+ * applicable"; "decisive" tells the rules whose words stand in the comment.
+ * A load or a call that judges no rule gives "[]"; *trace is NULL only when
+ * the answer is the out-of-memory one or not even that could be made. */
+TOV_API char* tov_evaluate_traced(tov_engine* engine, const char* kind, const char* json_text,
+                                  char** trace);
+
 /* Frees an answer. NULL is allowed. */
 TOV_API void tov_string_free(char* text);
 

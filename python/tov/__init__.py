@@ -15,7 +15,7 @@ the same evaluate() and the same answers.
 """
 
 from ._client import Client, ServiceError
-from ._engine import Document, Engine
+from ._engine import Document, Engine, TracedAnswer
 from ._library import library as _library
 from ._texts import (missing_sections, parse_list, parse_map, selected_versioning_attributes,
                      trigger_initialization)
@@ -25,6 +25,7 @@ __all__ = [
     "Document",
     "Engine",
     "ServiceError",
+    "TracedAnswer",
     "missing_sections",
     "parse_list",
     "parse_map",

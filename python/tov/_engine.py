@@ -6,7 +6,7 @@ import json
 import os
 import threading
 from types import TracebackType
-from typing import Any, Dict, Iterator, Mapping, Optional, Type, Union
+from typing import Any, Dict, Iterator, List, Mapping, NamedTuple, Optional, Type, Union
 
 from . import _library
 
@@ -26,6 +26,17 @@ def _json_text(document: Document) -> bytes:
     if isinstance(document, (str, bytes)):
         return _text(document, "the JSON text")
     return _text(json.dumps(document, ensure_ascii=False), "the JSON text")
+
+
+class TracedAnswer(NamedTuple):
+    """An answer with the rules that judged it, in the order of judging. Each
+    step is a dict: "section" (the rules document's section, such as
+    "transitions"), "number" (the rule's place in that section, from 1),
+    "rule" (the rule in words), "outcome" ("approved", "objected", "asked for
+    missing data" or "not applicable") and "decisive" (True for the rules
+    whose words stand in the answer's comment)."""
+    answer: Dict[str, str]
+    trace: List[Dict[str, Any]]
 
 
 class Engine:
@@ -100,11 +111,28 @@ class Engine:
     def load_datamodel_file(self, path: FilePath) -> Dict[str, str]:
         return self.evaluate_file("datamodel", path)
 
-    def evaluate(self, kind: str, request: Document) -> Dict[str, str]:
+    def evaluate(self, kind: str, request: Document,
+                 trace: bool = False) -> Union[Dict[str, str], TracedAnswer]:
         """kind: "edit", "edit-before-resolution", "save",
         "save-before-resolution", "link", "options" (or "rules",
-        "datamodel"). An unknown kind gets a Failure answer."""
-        return json.loads(self.evaluate_raw(kind, request))
+        "datamodel"). An unknown kind gets a Failure answer. With trace=True
+        the answer comes as a TracedAnswer, with the rules that judged it."""
+        if not trace:
+            return json.loads(self.evaluate_raw(kind, request))
+        kind_text = _text(kind, "the kind")
+        data = _json_text(request)
+        steps = ctypes.c_void_p()
+        with self._call() as handle:
+            answer = self._library.tov_evaluate_traced(handle, kind_text, data,
+                                                       ctypes.byref(steps))
+        try:
+            text = self._take(answer)
+        finally:
+            # Given back whatever became of the answer; NULL only with it.
+            steps_text = self._take(steps.value) if steps.value else None
+        if steps_text is None:
+            raise MemoryError("tov ran out of memory")
+        return TracedAnswer(json.loads(text), json.loads(steps_text))
 
     def evaluate_file(self, kind: str, path: FilePath) -> Dict[str, str]:
         """The same with the path of a file that holds the request."""
@@ -137,11 +165,15 @@ class Engine:
         kind_text = _text(kind, "the kind")
         with self._call() as handle:
             answer = function(handle, kind_text, data)
-        if not answer:
+        return self._take(answer)
+
+    def _take(self, text: Optional[int]) -> str:
+        """A text the library handed over, read and given back."""
+        if not text:
             raise MemoryError("tov ran out of memory")
         try:
             # The library hands texts through as they came; undecodable bytes
             # survive as surrogates.
-            return ctypes.string_at(answer).decode("utf-8", "surrogateescape")
+            return ctypes.string_at(text).decode("utf-8", "surrogateescape")
         finally:
-            self._library.tov_string_free(answer)
+            self._library.tov_string_free(text)

@@ -63,6 +63,9 @@ def _declare(library: ctypes.CDLL) -> ctypes.CDLL:
         function = getattr(library, name)
         function.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p]
         function.restype = ctypes.c_void_p
+    library.tov_evaluate_traced.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p,
+                                            ctypes.POINTER(ctypes.c_void_p)]
+    library.tov_evaluate_traced.restype = ctypes.c_void_p
     library.tov_string_free.argtypes = [ctypes.c_void_p]
     library.tov_string_free.restype = None
     library.tov_set_log.argtypes = [ctypes.c_void_p, ctypes.c_char_p]

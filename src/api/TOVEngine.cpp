@@ -38,7 +38,8 @@ TOVEngineGeneration::TOVEngineGeneration(std::shared_ptr<TOVLifecycleBusinessRul
 TOVEngineGeneration::~TOVEngineGeneration() = default;
 
 TOVResponse TOVEngineGeneration::evaluate(const std::string& kind, const std::string& input,
-                                          bool inputIsFilePath) const {
+                                          bool inputIsFilePath,
+                                          TOVDecisionObserver* observer) const {
     const TOVRequestKind* found = tovapi::findRequestKind(kind.c_str());
     if (found == nullptr || found->isDocument) {
         return tovapi::unknownKindResponse(kind);
@@ -46,6 +47,7 @@ TOVResponse TOVEngineGeneration::evaluate(const std::string& kind, const std::st
     // Borrowed for the call only; evaluations read the stores and change neither.
     TOVCoreDataControllers core;
     lendTo(core);
+    core.setDecisionObserver(observer);
     return (inputIsFilePath ? found->fromFile : found->fromText)(input, &core);
 }
 
@@ -89,20 +91,22 @@ std::shared_ptr<const TOVEngineGeneration> TOVEngine::current() const {
     return state->now();
 }
 
-TOVResponse TOVEngine::evaluate(const std::string& kind, const std::string& text) {
-    return answer(kind, text, false);
+TOVResponse TOVEngine::evaluate(const std::string& kind, const std::string& text,
+                                TOVDecisionObserver* observer) {
+    return answer(kind, text, false, observer);
 }
 
-TOVResponse TOVEngine::evaluateFile(const std::string& kind, const std::string& path) {
-    return answer(kind, path, true);
+TOVResponse TOVEngine::evaluateFile(const std::string& kind, const std::string& path,
+                                    TOVDecisionObserver* observer) {
+    return answer(kind, path, true, observer);
 }
 
 TOVResponse TOVEngine::answer(const std::string& kind, const std::string& input,
-                              bool inputIsFilePath) {
+                              bool inputIsFilePath, TOVDecisionObserver* observer) {
     // A request's answer comes back by value, with no hand-on in between: the
     // hot path pays for nothing a load needs.
     if (!isDocumentKind(kind)) {
-        return state->now()->evaluate(kind, input, inputIsFilePath);
+        return state->now()->evaluate(kind, input, inputIsFilePath, observer);
     }
     TOVResponse loaded;
     load(kind, input, inputIsFilePath, [&loaded](const TOVResponse& given) { loaded = given; });
@@ -111,14 +115,15 @@ TOVResponse TOVEngine::answer(const std::string& kind, const std::string& input,
 
 void TOVEngine::evaluateAndHandOn(const std::string& kind, const std::string& input,
                                   bool inputIsFilePath,
-                                  const std::function<void(const TOVResponse&)>& handOn) {
+                                  const std::function<void(const TOVResponse&)>& handOn,
+                                  TOVDecisionObserver* observer) {
     const TOVRequestKind* found = tovapi::findRequestKind(kind.c_str());
     if (found == nullptr) {
         handOn(tovapi::unknownKindResponse(kind));
     } else if (found->isDocument) {
         load(kind, input, inputIsFilePath, handOn);
     } else {
-        handOn(state->now()->evaluate(kind, input, inputIsFilePath));
+        handOn(state->now()->evaluate(kind, input, inputIsFilePath, observer));
     }
 }
 

@@ -2,11 +2,13 @@
 #include "tov/tov_c.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
 #include "c_api/answers.h"
+#include "tov/TOVDecisionTrace.h"
 #include "tov/TOVEngine.h"
 #include "tov/entry_points.h"
 
@@ -16,8 +18,13 @@ struct tov_engine {
 
 namespace {
 
-char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inputIsPath) noexcept {
-    return tov_c::answerForHost([&]() -> char* {
+// `trace`, when not null, receives the decision trace of the call as JSON.
+char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inputIsPath,
+               char** trace) noexcept {
+    if (trace != nullptr) {
+        *trace = nullptr;
+    }
+    char* answer = tov_c::answerForHost([&]() -> char* {
         if (engine == nullptr) {
             return tov_c::handOverToHost(tov_c::failureAnswer("No engine given (NULL)"));
         }
@@ -29,14 +36,28 @@ char* evaluate(tov_engine* engine, const char* kind, const char* input, bool inp
                 tov_c::failureAnswer(inputIsPath ? "No request file path given (NULL)"
                                                  : "No request text given (NULL)"));
         }
+        TOVDecisionTrace steps;
         // The answer is copied out before a load is published: a host told
         // that memory ran out is never served from the document it loaded.
-        char* answer = nullptr;
-        engine->engine.evaluateAndHandOn(kind, input, inputIsPath, [&](const TOVResponse& given) {
-            answer = tov_c::handOverToHost(given.turnResponseIntoASingleString());
-        });
-        return answer;
+        // The trace is made before it too, so that both come or neither.
+        char* given = nullptr;
+        engine->engine.evaluateAndHandOn(
+            kind, input, inputIsPath,
+            [&](const TOVResponse& response) {
+                std::unique_ptr<char, void (*)(char*)> stepsText(
+                    trace == nullptr
+                        ? nullptr
+                        : tov_c::handOverToHost(ComposeTOVDecisionTraceJson(steps.steps())),
+                    tov_string_free);
+                given = tov_c::handOverToHost(response.turnResponseIntoASingleString());
+                if (trace != nullptr) {
+                    *trace = stepsText.release();
+                }
+            },
+            trace == nullptr ? nullptr : &steps);
+        return given;
     });
+    return answer;
 }
 
 }  // namespace
@@ -54,11 +75,27 @@ void tov_engine_free(tov_engine* engine) {
 }
 
 char* tov_evaluate(tov_engine* engine, const char* kind, const char* json_text) {
-    return evaluate(engine, kind, json_text, false);
+    return evaluate(engine, kind, json_text, false, nullptr);
 }
 
 char* tov_evaluate_file(tov_engine* engine, const char* kind, const char* path) {
-    return evaluate(engine, kind, path, true);
+    return evaluate(engine, kind, path, true, nullptr);
+}
+
+char* tov_evaluate_traced(tov_engine* engine, const char* kind, const char* json_text,
+                          char** trace) {
+    char* answer = evaluate(engine, kind, json_text, false, trace);
+    if (trace != nullptr && *trace == nullptr && answer != nullptr &&
+        std::strcmp(answer, tov_c::kOutOfMemoryAnswer) != 0) {
+        // A refusal before any judging (a NULL argument) judged no rule.
+        *trace = tov_c::copyForHost("[]", 2);
+        if (*trace == nullptr) {
+            tov_string_free(answer);
+            return tov_c::copyForHost(tov_c::kOutOfMemoryAnswer,
+                                      std::strlen(tov_c::kOutOfMemoryAnswer));
+        }
+    }
+    return answer;
 }
 
 void tov_string_free(char* text) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "evaluators/TOVConflictsResolutionOptionsFinderParser.h"
+#include "evaluators/decision_steps.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
 #include "tov/TOVLifecycleBusinessRules.h"
@@ -119,8 +120,21 @@ bool TOVConflictsResolutionOptionsFinder::foundConflictResolutionIsForcedViolati
             markResponseWithForcedVersioningAttribute(response, value);
         }
     }
-    if (!isResponseMarkedWithForcedOverwrite(response) ||
-        !isResponseMarkedWithForcedSpinup(response)) {
+    const bool contradiction =
+        isResponseMarkedWithForcedOverwrite(response) && isResponseMarkedWithForcedSpinup(response);
+    // A contradiction tells every forcing rule in the comment.
+    const DecisionSteps steps(getCoreData());
+    if (steps.observed()) {
+        for (const TOVConflictResolution* rule : related) {
+            if (std::find(forcing.begin(), forcing.end(), rule) == forcing.end()) {
+                steps.tell(rule, TOVRuleOutcome_NotApplicable);
+            } else {
+                steps.tell(rule, contradiction ? TOVRuleOutcome_Objected : TOVRuleOutcome_Approved,
+                           contradiction);
+            }
+        }
+    }
+    if (!contradiction) {
         return false;
     }
     response.setGeneralResult(false);
@@ -144,7 +158,16 @@ bool TOVConflictsResolutionOptionsFinder::foundVersioningAttributeSelectionViola
         return false;
     }
     std::set<std::string> common;
-    if (getCommonVersioningAttrsFromApplicableRules(related, common)) {
+    const bool agree = getCommonVersioningAttrsFromApplicableRules(related, common);
+    // Every rule found applies; when they leave nothing in common, the
+    // comment tells them all.
+    const DecisionSteps steps(getCoreData());
+    if (steps.observed()) {
+        for (const TOVVersioningSelection* rule : related) {
+            steps.tell(rule, agree ? TOVRuleOutcome_Approved : TOVRuleOutcome_Objected, !agree);
+        }
+    }
+    if (agree) {
         // Overwriting stays an option beside the allowed attributes unless
         // spin-up is forced.
         if (!isResponseMarkedWithForcedSpinup(response)) {

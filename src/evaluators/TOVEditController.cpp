@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "evaluators/TOVTransitionJsonParsers.h"
+#include "evaluators/decision_steps.h"
 #include "evaluators/rule_refusal.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
@@ -283,15 +284,34 @@ bool TOVEditController::getLastTransitionFreezeRuleViolation(TOVTransitionFreeze
                                                                  getLifecycleDMInfo(), related);
     // The walk goes on after a find, so the comment tells the rule of the last
     // frozen attribute; freezing depends on the values before the edit only.
+    const DecisionSteps steps(getCoreData());
+    std::vector<std::pair<const TOVTransitionFreeze*, bool>> consulted;  // (rule, froze)
     bool found = false;
     for (const std::string& name : edited) {
         for (const TOVTransitionFreeze* rule : related) {
             if (rule->shouldPackageBeFrozen(name, fromValues)) {
                 violated = *rule;
                 found = true;
+                if (steps.observed()) {
+                    consulted.emplace_back(rule, true);
+                }
                 break;
             }
+            if (steps.observed() && rule->concernsAttribute(name)) {
+                consulted.emplace_back(rule, false);
+            }
         }
+    }
+    // Told once the walk is done, since only then is it known which find
+    // stands in the comment: the last.
+    std::size_t decisive = consulted.size();
+    for (std::size_t i = 0; i < consulted.size(); ++i) {
+        decisive = consulted[i].second ? i : decisive;
+    }
+    for (std::size_t i = 0; i < consulted.size(); ++i) {
+        steps.tell(consulted[i].first,
+                   consulted[i].second ? TOVRuleOutcome_Objected : TOVRuleOutcome_NotApplicable,
+                   i == decisive);
     }
     return found;
 }
@@ -300,13 +320,20 @@ bool TOVEditController::getFirstTransitionRuleViolation(TOVTransition& violated)
     std::vector<const TOVTransition*> related;
     getLifecycleBusinessRules()->getRelatedTransitionRules(objectType, getAllAttributeNames(),
                                                            getLifecycleDMInfo(), related);
+    const DecisionSteps steps(getCoreData());
     for (const TOVTransition* rule : related) {
         if (shouldIgnoreTransitionRule(*rule)) {
+            steps.tell(rule, TOVRuleOutcome_NotApplicable);
             continue;
         }
         if (rule->shouldTransitionBeForbidden(fromValues, toValues)) {
+            steps.tell(rule, TOVRuleOutcome_Objected, true);
             violated = *rule;
             return true;
+        }
+        if (steps.observed()) {
+            steps.tell(rule, rule->appliesTo(fromValues) ? TOVRuleOutcome_Approved
+                                                         : TOVRuleOutcome_NotApplicable);
         }
     }
     return false;
@@ -316,10 +343,16 @@ bool TOVEditController::getFirstFileConstraintRuleViolation(TOVFileConstraint& v
     std::vector<const TOVFileConstraint*> related;
     getLifecycleBusinessRules()->getRelatedFileConstraintRules(objectType, getAllAttributeNames(),
                                                                getLifecycleDMInfo(), related);
+    const DecisionSteps steps(getCoreData());
     for (const TOVFileConstraint* rule : related) {
         if (rule->shouldTransitionBeForbidden(fromValues, toValues)) {
+            steps.tell(rule, TOVRuleOutcome_Objected, true);
             violated = *rule;
             return true;
+        }
+        if (steps.observed()) {
+            steps.tell(rule, rule->appliesTo(fromValues, toValues) ? TOVRuleOutcome_Approved
+                                                                   : TOVRuleOutcome_NotApplicable);
         }
     }
     return false;
@@ -333,10 +366,16 @@ bool TOVEditController::getFirstConflictResolutionViolation(TOVConflictResolutio
     // counts as an overwrite.
     std::vector<std::string> versioningAttributes;
     getLifecycleDMInfo()->collectVersioningAttributesOfObject(objectType, versioningAttributes);
+    const DecisionSteps steps(getCoreData());
     for (const TOVConflictResolution* rule : related) {
         if (rule->shouldTransitionBeForbidden(fromValues, toValues, versioningAttributes)) {
+            steps.tell(rule, TOVRuleOutcome_Objected, true);
             violated = *rule;
             return true;
+        }
+        if (steps.observed()) {
+            steps.tell(rule, rule->appliesTo(fromValues, toValues) ? TOVRuleOutcome_Approved
+                                                                   : TOVRuleOutcome_NotApplicable);
         }
     }
     return false;
@@ -416,20 +455,24 @@ bool foundLinkViolation(GetFirstViolation&& getFirstViolation, TOVResponse& resp
 // cleared; with them, the first rule that `violates` one of them.
 template <typename Rule, typename Violates>
 bool selectFirstLinkViolation(const std::vector<const Rule*>& related, bool linkedObjectsProvided,
-                              Violates&& violates, Rule& violated, bool& missingData) {
+                              Violates&& violates, const DecisionSteps& steps, Rule& violated,
+                              bool& missingData) {
     if (related.empty()) {
         return false;
     }
     if (!linkedObjectsProvided) {
+        steps.tell(related.front(), TOVRuleOutcome_AskedForMissingData, true);
         violated = *related.front();
         missingData = true;
         return true;
     }
     for (const Rule* rule : related) {
         if (violates(*rule)) {
+            steps.tell(rule, TOVRuleOutcome_Objected, true);
             violated = *rule;
             return true;
         }
+        steps.tell(rule, TOVRuleOutcome_Approved);
     }
     return false;
 }
@@ -464,8 +507,8 @@ bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violate
     const auto violates = [this, &offendingEntry](const TOVHistoryLink& rule) {
         return rule.foundHistoryLinkObjectViolatingRule(historyLinks, offendingEntry);
     };
-    return selectFirstLinkViolation(related, historyLinksDataProvided, violates, violated,
-                                    missingData);
+    return selectFirstLinkViolation(related, historyLinksDataProvided, violates,
+                                    DecisionSteps(getCoreData()), violated, missingData);
 }
 
 bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
@@ -480,8 +523,8 @@ bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
     const auto violates = [this, &offendingEntry](const TOVManualLink& rule) {
         return rule.foundManualAncestorViolatingRule(manualLinkAncestors, offendingEntry);
     };
-    return selectFirstLinkViolation(related, manualLinkAncestorsDataProvided, violates, violated,
-                                    missingData);
+    return selectFirstLinkViolation(related, manualLinkAncestorsDataProvided, violates,
+                                    DecisionSteps(getCoreData()), violated, missingData);
 }
 
 bool TOVEditController::isResponseMarkedWithHistoryLinkMissingData(const TOVResponse& response) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "evaluators/decision_steps.h"
 #include "tov/TOVEditController.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVLogger.h"
@@ -19,6 +20,7 @@ bool TOVEditController::checkForTOVTriggeredHandling(TOVResponse& response) {
     std::vector<const TOVTrigger*> rules;
     getLifecycleBusinessRules()->getRelatedTriggerRules(objectType, getAttributesToEdit(),
                                                         getLifecycleDMInfo(), rules);
+    const DecisionSteps steps(getCoreData());
     AttributesMap triggered;
     bool anyTriggered = false;
     for (const TOVTrigger* rule : rules) {
@@ -33,8 +35,10 @@ bool TOVEditController::checkForTOVTriggeredHandling(TOVResponse& response) {
         std::string editedValue;
         // Exact comparison: a value in another case still needs initializing.
         if (getToValueOfAttribute(name, editedValue) && editedValue == value) {
+            steps.tell(rule, TOVRuleOutcome_NotApplicable);
             continue;
         }
+        steps.tell(rule, TOVRuleOutcome_Approved);
         triggered[name] = value;  // of two rules on one name, the later wins
         anyTriggered = true;
     }
@@ -44,13 +48,38 @@ bool TOVEditController::checkForTOVTriggeredHandling(TOVResponse& response) {
     return anyTriggered;
 }
 
+namespace {
+
+// Passes the steps of the options asked on the way to a trigger on, none of
+// them decisive: their words never stand in the edit's comment.
+class StepsOnTheWay : public TOVDecisionObserver {
+public:
+    explicit StepsOnTheWay(TOVDecisionObserver* outer) : outer(outer) {}
+    void ruleConsulted(const TOVRuleConsultation& step) override {
+        TOVRuleConsultation onTheWay = step;
+        onTheWay.decisive = false;
+        outer->ruleConsulted(onTheWay);
+    }
+
+private:
+    TOVDecisionObserver* outer;
+};
+
+}  // namespace
+
 bool TOVEditController::narrowDownVersioningAttributeToTrigger(std::string& name) {
     // The proper versioning attribute is that of the state after the edit.
     AttributesMap afterEdit = fromValues;
     for (const auto& entry : toValues) {
         afterEdit[entry.first] = entry.second;
     }
-    TOVSpinupOptionsFinder finder(objectType, fromValues, afterEdit, getCoreData());
+    TOVCoreDataControllers core;
+    core.borrowData(getCoreData());
+    StepsOnTheWay onTheWay(core.getDecisionObserver());
+    if (core.getDecisionObserver() != nullptr) {
+        core.setDecisionObserver(&onTheWay);
+    }
+    TOVSpinupOptionsFinder finder(objectType, fromValues, afterEdit, &core);
     TOVResponse options;
     std::set<std::string> proper;
     if (!finder.evaluateRequest(options)) {

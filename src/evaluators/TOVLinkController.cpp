@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "evaluators/TOVLinkCreationParser.h"
+#include "evaluators/decision_steps.h"
 #include "evaluators/rule_refusal.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
@@ -80,12 +81,15 @@ bool TOVLinkController::getFirstManualLinkRuleViolation(TOVManualLink& violated)
         related, getLifecycleLogger());
 
     const std::vector<AttributesMap> ancestors{attributesOfAncestor};
+    const DecisionSteps steps(getCoreData());
     for (const TOVManualLink* rule : related) {
         AttributesMap offending;
         if (rule->foundManualAncestorViolatingRule(ancestors, offending)) {
+            steps.tell(rule, TOVRuleOutcome_Objected, true);
             violated = *rule;
             return true;
         }
+        steps.tell(rule, TOVRuleOutcome_Approved);
     }
     return false;
 }

@@ -5,7 +5,7 @@
 #include "tov/TOV_DMStructure.h"
 
 TOVCoreDataControllers::TOVCoreDataControllers()
-    : rules(nullptr), dmInfo(nullptr), logger(nullptr), ownsData(false) {}
+    : rules(nullptr), dmInfo(nullptr), logger(nullptr), ownsData(false), observer(nullptr) {}
 
 TOVCoreDataControllers::~TOVCoreDataControllers() {
     clearContents();
@@ -30,6 +30,7 @@ void TOVCoreDataControllers::borrowData(TOVCoreDataControllers* other) {
     dmInfo = other->dmInfo;
     logger = other->logger;
     ownsData = false;
+    observer = other->observer;
 }
 
 void TOVCoreDataControllers::borrowData(TOVLifecycleBusinessRules* rulesToBorrow,

@@ -79,6 +79,12 @@ bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolution
     return doesThisTransitionHaveAConstrainedConflictResolutionNoType(initial, target, value);
 }
 
+bool TOVConflictResolution::appliesTo(const AttributesMap& initial,
+                                      const AttributesMap& target) const {
+    TOVConflictResolutionValues forced = TOVConflictResolution_NoConstraint;
+    return doesThisTransitionHaveAConstrainedConflictResolutionNoType(initial, target, forced);
+}
+
 bool TOVConflictResolution::doesThisTransitionHaveAConstrainedConflictResolutionNoType(
     const AttributesMap& initial, const AttributesMap& target,
     TOVConflictResolutionValues& value) const {

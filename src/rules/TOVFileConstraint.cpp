@@ -35,9 +35,23 @@ void TOVFileConstraint::setUpdateFileConstraint(const std::string& word) {
 
 bool TOVFileConstraint::shouldTransitionBeForbidden(const AttributesMap& initial,
                                                     const AttributesMap& target) const {
-    if (updateFileConstraint == TOVUpdateFileConstraint_Free) {
+    if (updateFileConstraint == TOVUpdateFileConstraint_Free || !appliesTo(initial, target)) {
         return false;
     }
+    // Only an explicit word in the target satisfies a constraint; silence
+    // breaks both kinds.
+    const TOVUpdateFileValues upload = getThisPacketFileUpdatingValue(target);
+    switch (updateFileConstraint) {
+        case TOVUpdateFileConstraint_Mandatory:
+            return upload != TOVUpdateFile_Yes;
+        case TOVUpdateFileConstraint_Forbidden:
+            return upload != TOVUpdateFile_No;
+        default:
+            return false;
+    }
+}
+
+bool TOVFileConstraint::appliesTo(const AttributesMap& initial, const AttributesMap& target) const {
     std::string initialValue;
     if (!initial.empty()) {
         const auto found = initial.find(attribute);
@@ -55,20 +69,7 @@ bool TOVFileConstraint::shouldTransitionBeForbidden(const AttributesMap& initial
     }
     std::string targetValue = initialValue;
     getValueofKeywordFromStringStringMap(attribute, target, targetValue);
-    if (!areStringsEqualAccountingAlsoAnyValue(targetValue, toValue)) {
-        return false;
-    }
-    // Only an explicit word in the target satisfies a constraint; silence
-    // breaks both kinds.
-    const TOVUpdateFileValues upload = getThisPacketFileUpdatingValue(target);
-    switch (updateFileConstraint) {
-        case TOVUpdateFileConstraint_Mandatory:
-            return upload != TOVUpdateFile_Yes;
-        case TOVUpdateFileConstraint_Forbidden:
-            return upload != TOVUpdateFile_No;
-        default:
-            return false;
-    }
+    return areStringsEqualAccountingAlsoAnyValue(targetValue, toValue);
 }
 
 void TOVFileConstraint::expressFileConstraintInWords(std::string& text) const {

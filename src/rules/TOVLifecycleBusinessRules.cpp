@@ -1,6 +1,7 @@
 #include "tov/TOVLifecycleBusinessRules.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <tuple>
 #include <type_traits>
@@ -407,6 +408,42 @@ std::size_t TOVLifecycleBusinessRules::countRules(TOVRuleKind kind) const {
         }
     });
     return count;
+}
+
+template <typename Rule>
+std::size_t TOVLifecycleBusinessRules::indexOfRule(const Rule* rule) const {
+    const std::vector<Rule>& rules = lists->of<Rule>().rules();
+    const Rule* first = rules.data();
+    const Rule* end = first + rules.size();
+    // std::less orders any two pointers, so a rule from elsewhere is told apart
+    // safely; only a pointer into the list is subtracted.
+    const std::less<const Rule*> before;
+    if (rule == nullptr || rules.empty() || before(rule, first) || !before(rule, end)) {
+        return std::numeric_limits<std::size_t>::max();
+    }
+    return static_cast<std::size_t>(rule - first);
+}
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
+    const TOVTransitionFreeze*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(const TOVHistoryLink*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(const TOVManualLink*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(const TOVTransition*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(const TOVTrigger*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
+    const TOVVersioningSelection*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
+    const TOVConflictResolution*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
+    const TOVFileConstraint*) const;
+
+std::string TOVLifecycleBusinessRules::ruleInWords(TOVRuleKind kind, std::size_t index) const {
+    std::string sentence;
+    lists->forEach([kind, index, &sentence](const auto& list, const TOVRuleKindWords& words) {
+        if (words.kind == kind && index < list.size()) {
+            list.rules()[index].expressRuleInWords(sentence);
+        }
+    });
+    return sentence;
 }
 
 std::size_t TOVLifecycleBusinessRules::documentPositionOfRule(TOVRuleKind kind,

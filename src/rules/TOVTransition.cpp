@@ -25,6 +25,11 @@ bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
     return shouldAttemptedToValueBeForbidden(attemptedValue);
 }
 
+bool TOVTransition::appliesTo(const AttributesMap& initial) const {
+    std::string currentValue;
+    return isPackageFromValueBoundByThisRule(initial, currentValue);
+}
+
 bool TOVTransition::constrainsSecondaryAttribute(const std::string& editedObjectType,
                                                  const TOV_DMStructure* structure) const {
     if (structure == nullptr) {

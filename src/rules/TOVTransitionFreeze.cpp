@@ -28,6 +28,10 @@ bool TOVTransitionFreeze::shouldPackageBeFrozen(const std::string& attributeName
     return areStringsEqualAccountingAlsoAnyValue(conditionValue, freezeConditionValue);
 }
 
+bool TOVTransitionFreeze::concernsAttribute(const std::string& attributeName) const {
+    return areStringsEqualAccountingAlsoAnyValue(attributeName, attribute);
+}
+
 void TOVTransitionFreeze::expressRuleInWords(std::string& text) const {
     text += "For " + objectType;
     text += ": When " + freezeConditionAttribute;

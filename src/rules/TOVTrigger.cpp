@@ -2,6 +2,7 @@
 
 #include "foundation/compare.h"
 #include "tov/TOVLogger.h"
+#include "tov/string_helpers.h"
 #include "tov/vocabulary.h"
 
 TOVTrigger::TOVTrigger() = default;
@@ -16,6 +17,22 @@ TOVTrigger::TOVTrigger(const std::string& objectType, const std::string& attribu
 // Exact on purpose: the word in other capitals names an ordinary attribute.
 bool TOVTrigger::isAbstractVersioningReinitializationRule() const {
     return triggerInitialize == TOVAttrItemKeyword_ProperVersioningAttribute;
+}
+
+std::string expressTriggerInWords(const TOVTriggerDescription& trigger) {
+    std::string words =
+        "For " + trigger.objectType + ": When " + trigger.attribute + " is edited, ";
+    if (trigger.triggerInitialize == TOVAttrItemKeyword_ProperVersioningAttribute) {
+        words += "the proper versioning attribute (" + trigger.triggerInitialize + ")";
+    } else {
+        words += trigger.triggerInitialize;
+    }
+    words += " must be initialized to " + createStringInQuotes(trigger.initializationValue.c_str());
+    return words;
+}
+
+void TOVTrigger::expressRuleInWords(std::string& text) const {
+    text += expressTriggerInWords({objectType, attribute, triggerInitialize, initializationValue});
 }
 
 bool TOVTrigger::operator<(const TOVTrigger& other) const {

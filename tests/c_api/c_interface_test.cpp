@@ -140,6 +140,55 @@ TEST(CInterface, UnknownKindsGetAFailureThatListsTheKinds) {
               failure(R"(Unknown request kind \"a\"b\": )" + kinds));
 }
 
+TEST(CInterface, ATracedCallAnswersAsAPlainOneAndTellsTheRulesAsJson) {
+    Engine engine;
+    ASSERT_TRUE(engine.loadExamples());
+    char* trace = nullptr;
+    EXPECT_EQ(take(tov_evaluate_traced(engine.get(), "edit", kRelease, &trace)),
+              engine.evaluate("edit", kRelease));
+    EXPECT_EQ(take(trace),
+              R"([{"section":"transitions","number":1,"rule":"For Part: Status can transition )"
+              R"(from \"In Work\" to \"In Work\", \"In Review\", \"Cancelled\"",)"
+              R"("outcome":"not applicable","decisive":false},)"
+              R"({"section":"transitions","number":3,"rule":"For Part: Status can transition )"
+              R"(from \"Released\" to \"Released\", \"Obsolete\"",)"
+              R"("outcome":"not applicable","decisive":false},)"
+              R"({"section":"transitions","number":2,"rule":"For Part: Status can transition )"
+              R"(from \"In Review\" to \"In Review\", \"In Work\", \"Released\"",)"
+              R"("outcome":"approved","decisive":false},)"
+              R"({"section":"transitions","number":5,"rule":"For <any>: Status can transition )"
+              R"(from \"Obsolete\" to \"Obsolete\"","outcome":"not applicable",)"
+              R"("decisive":false},)"
+              R"({"section":"conflictResolutions","number":1,"rule":"For Part: When Status )"
+              R"(transitions from \"In Work\" to \"In Review\"  then we MUST overwrite",)"
+              R"("outcome":"not applicable","decisive":false},)"
+              R"({"section":"historyLinks","number":1,"rule":"For <any>: When Status is )"
+              R"(\"Released\" then entries in the same object family can have Status equal to )"
+              R"(one of :[Cancelled,Obsolete,Released]","outcome":"asked for missing data",)"
+              R"("decisive":true}])");
+}
+
+TEST(CInterface, ATracedCallThatJudgesNoRuleTellsAnEmptyTrace) {
+    Engine engine;
+    char* trace = nullptr;
+    EXPECT_EQ(take(tov_evaluate_traced(engine.get(), "edit", kRelease, &trace)),
+              failure("Uninitialized TOV rules"));
+    EXPECT_EQ(take(trace), "[]");
+    EXPECT_EQ(take(tov_evaluate_traced(engine.get(), "Edit", kRelease, &trace))
+                  .rfind(R"({"Result":"Failure","ResultComment":"Unknown request kind)", 0),
+              0U);
+    EXPECT_EQ(take(trace), "[]");
+    EXPECT_EQ(take(tov_evaluate_traced(nullptr, "edit", kRelease, &trace)),
+              failure("No engine given (NULL)"));
+    EXPECT_EQ(take(trace), "[]");
+    EXPECT_EQ(take(tov_evaluate_traced(engine.get(), "rules", "{}", &trace)),
+              R"({"Result":"Success","ResultComment":"Successfully initialized TOV rules"})");
+    EXPECT_EQ(take(trace), "[]");
+    // Without a place for the trace it is an ordinary call.
+    EXPECT_EQ(take(tov_evaluate_traced(engine.get(), "edit", kRelease, nullptr)),
+              failure("Uninitialized TOV rules"));
+}
+
 TEST(CInterface, UnreadablePathsAreAnsweredLikeTextThatIsNoJson) {
     const Engine engine;
     const tovtest::TempFolder folder;

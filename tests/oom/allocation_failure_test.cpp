@@ -74,18 +74,29 @@ public:
 
 class CInterfaceDoor : public Door {
 public:
+    // With `traced`, each call also asks for the decision trace, which must
+    // come exactly when the answer is not the out-of-memory one.
+    explicit CInterfaceDoor(bool traced = false) : traced(traced) {}
     void reset() override { engine.reset(tov_engine_new()); }
     std::string call(const std::string& kind, const std::string& text) override {
-        char* answer = tov_evaluate(engine.get(), kind.c_str(), text.c_str());
+        char* trace = nullptr;
+        char* answer = traced
+                           ? tov_evaluate_traced(engine.get(), kind.c_str(), text.c_str(), &trace)
+                           : tov_evaluate(engine.get(), kind.c_str(), text.c_str());
         // Copied outside the library's call, whose answer it already is.
         const bool wasArmed = tovtest::pauseAllocationFailure();
         std::string copy = answer == nullptr ? kNoAnswer : answer;
+        if (traced && (trace == nullptr) != (copy == kOutOfMemory || copy == kNoAnswer)) {
+            copy = "a trace without an answer, or an answer without its trace: " + copy;
+        }
         tovtest::resumeAllocationFailure(wasArmed);
         tov_string_free(answer);
+        tov_string_free(trace);
         return copy;
     }
 
 private:
+    bool traced;
     struct Free {
         void operator()(tov_engine* engine) const { tov_engine_free(engine); }
     };
@@ -279,6 +290,9 @@ std::vector<Sweep> sweeps() {
          AllocationKind::kCxx, true, kOutOfMemory},
         {"CInterfaceMallocForGood", "C interface, malloc for good", cInterface, AllocationKind::kC,
          true, kOutOfMemory},
+        {"CInterfaceTracedNew", "C interface traced, operator new",
+         [] { return std::make_unique<CInterfaceDoor>(true); }, AllocationKind::kCxx, false,
+         kOutOfMemory},
         {"CxxNew", "C++ entry points, operator new", cxx, AllocationKind::kCxx, false,
          kThrewBadAlloc},
         {"CxxMalloc", "C++ entry points, malloc", cxx, AllocationKind::kC, false, kThrewBadAlloc},

@@ -127,3 +127,23 @@ def test_engines_on_threads_answer_alike():
     for thread in threads:
         thread.join()
     assert wrong == []
+
+
+def test_a_traced_evaluation_answers_alike_and_tells_the_rules_that_judged(loaded):
+    request = (EXAMPLES / "requests" / "edit-released-part-description-frozen.json").read_text(
+        encoding="utf-8")
+    traced = loaded.evaluate("edit", request, trace=True)
+    assert isinstance(traced, tov.TracedAnswer)
+    assert traced.answer == loaded.evaluate("edit", request)
+    assert traced.trace == [{
+        "section": "transitionsFreeze", "number": 1,
+        "rule": 'For Part: When Status equals "Released", then Description must remain unchanged.',
+        "outcome": "objected", "decisive": True}]
+
+
+def test_a_traced_load_or_refusal_before_judging_has_an_empty_trace(engine):
+    request = {"objectType": "Part", "initialAttributes": {"Status": "In Work"},
+               "targetAttributes": {"Status": "In Review"}}
+    assert engine.evaluate("edit", request, trace=True) == (
+        {"Result": "Failure", "ResultComment": "Uninitialized TOV rules"}, [])
+    assert engine.evaluate("rules", "{}", trace=True).trace == []

@@ -7,14 +7,20 @@
 #include "request_kinds.h"
 #include "sha256.h"
 #include "tov/TOVLifecycleBusinessRules.h"
-#include "tov/TOVTrigger.h"
+#include "tov/rule_kinds.h"
 
 namespace tovserve {
 
 namespace {
 
+// Counted, not worded: a reload of a large document must not build a
+// sentence for every rule only to count them.
 std::uint64_t countRules(const TOVLifecycleBusinessRules& rules) {
-    return rules.expressRulesInWords().size() + rules.describeTriggerRules().size();
+    std::uint64_t count = 0;
+    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+        count += rules.countRules(kind.kind);
+    }
+    return count;
 }
 
 }  // namespace
