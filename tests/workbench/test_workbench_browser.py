@@ -205,6 +205,21 @@ def test_an_example_edit_evaluates_to_its_expected_verdict(browser, bench):
     assert by_test_id(browser, "request-kind").get_attribute("value") == "edit"
     assert by_test_id(browser, "verdict").text == "Refused"
     assert by_test_id(browser, "comment").text == expected["ResultComment"]
+    # The trace names the deciding rule, and leads to it in the rules editor.
+    steps = browser.find_elements(By.CSS_SELECTOR, "[data-test=trace] li")
+    deciding = browser.find_elements(By.CSS_SELECTOR, "[data-test=trace] li.deciding")
+    assert len(steps) == 1 and deciding == steps
+    rule = 'For Part: When Status equals "Released", then Description must remain unchanged.'
+    assert deciding[0].text.startswith("objected" + rule + " transitionsFreeze #1 at 17:7")
+    assert rule in expected["ResultComment"]
+    marked = browser.find_elements(By.CSS_SELECTOR, "[data-test=explain] li.deciding")
+    assert [item.get_attribute("textContent") for item in marked] == [rule]
+    deciding[0].find_element(By.CSS_SELECTOR, "button.place").click()
+    cursor = browser.execute_script(
+        "const c = document.querySelector('[data-test=rules-editor] .CodeMirror').CodeMirror"
+        ".getCursor(); return [c.line, c.ch];")
+    assert cursor == [16, 6]
+    assert browser.find_elements(By.CSS_SELECTOR, "[data-test=rules-editor] .line-deciding")
     screenshot(browser, "04-evaluated.png")
 
 
@@ -212,6 +227,10 @@ def test_an_answer_that_asks_for_more_says_which_section_to_add(browser, bench):
     open_page(browser, bench)
     evaluate_example(browser, "edit-assembly-release-first-pass")
     assert by_test_id(browser, "verdict").text == "Needs more data"
+    # Both link rules asked, and both decided the answer.
+    deciding = [item.text for item in
+                browser.find_elements(By.CSS_SELECTOR, "[data-test=trace] li.deciding")]
+    assert [text.split("For ")[0] for text in deciding] == ["asked for missing data"] * 2
     advice = by_test_id(browser, "advice").text
     assert '"membersOfFamily"' in advice and '"manualLinkAncestors"' in advice
     evaluate_example(browser, "edit-part-release-family-clean")

@@ -304,6 +304,48 @@ TEST_F(WorkbenchApiTest, EveryExampleRequestIsAnsweredAsEvalPrintsIt) {
     }
 }
 
+TEST_F(WorkbenchApiTest, TheTraceTellsWhichRulesJudgedAndWhereTheyStand) {
+    const HttpResponse answer = api.evaluate(withExamples(
+        {{"kind", "edit"}, {"request", exampleRequest("edit-released-part-description-frozen")}}));
+    const auto json = parsed(answer.body);
+    EXPECT_STREQ((*json)["verdict"].GetString(), "refused");
+    tovjson::StringBuffer trace;
+    tovcli::JsonWriter traceWriter(trace);
+    tovcli::writeValue(traceWriter, (*json)["trace"]);
+    EXPECT_EQ(std::string(trace.GetString()),
+              "[{\"section\":\"transitionsFreeze\",\"number\":1,\"rule\":\"For Part: When "
+              "Status equals \\\"Released\\\", then Description must remain unchanged.\","
+              "\"outcome\":\"objected\",\"decisive\":true}]");
+    ASSERT_EQ((*json)["tracePlaces"].Size(), 1U);
+    // Where the freeze rule of Part stands in the example.
+    EXPECT_EQ((*json)["tracePlaces"][0]["line"].GetUint64(), 17U);
+    EXPECT_EQ((*json)["tracePlaces"][0]["column"].GetUint64(), 7U);
+}
+
+TEST_F(WorkbenchApiTest, EveryStepOfATraceHasItsPlace) {
+    const auto documents = parsed(api.documents().body);
+    const std::string rules = exampleRules();
+    for (const auto& example : (*documents)["examples"].GetArray()) {
+        const auto json =
+            parsed(api.evaluate(withExamples({{"kind", example["kind"].GetString()},
+                                              {"request", example["request"].GetString()}}))
+                       .body);
+        const auto& trace = (*json)["trace"];
+        const auto& places = (*json)["tracePlaces"];
+        ASSERT_EQ(trace.Size(), places.Size()) << example["name"].GetString();
+        for (rapidjson::SizeType i = 0; i < trace.Size(); ++i) {
+            ASSERT_TRUE(places[i].IsObject()) << example["name"].GetString();
+            // The place is the start of a rule object in the rules text.
+            std::size_t line = places[i]["line"].GetUint64();
+            std::size_t offset = 0;
+            while (--line > 0) {
+                offset = rules.find('\n', offset) + 1;
+            }
+            EXPECT_EQ(rules[offset + places[i]["column"].GetUint64() - 1], '{');
+        }
+    }
+}
+
 TEST_F(WorkbenchApiTest, AnAnswerThatAsksForMoreDataSaysWhich) {
     const HttpResponse answer = api.evaluate(withExamples(
         {{"kind", "edit"}, {"request", exampleRequest("edit-assembly-release-first-pass")}}));

@@ -17,6 +17,8 @@
 #include "rules_in_words.h"
 #include "section_places.h"
 #include "test_suite.h"
+#include "tov/TOVDecisionTrace.h"
+#include "tov/rule_kinds.h"
 
 namespace tovwb {
 
@@ -117,18 +119,47 @@ const char* documentKey(const Finding& finding, const DocumentNames& names) {
 
 // The place of a finding: its own, or else where its section begins.
 std::string placeOf(const Finding& finding, const std::string& key,
-                    std::map<std::string, std::map<std::string, std::string>>& sections,
-                    const DocumentTexts& texts) {
+                    std::map<std::string, DocumentPlaces>& documents, const DocumentTexts& texts) {
     if (!finding.location.empty() || finding.section.empty()) {
         return finding.location;
     }
-    auto known = sections.find(key);
-    if (known == sections.end()) {
-        known = sections.emplace(key, sectionPlaces(key == "rules" ? texts.rules : texts.dataModel))
-                    .first;
+    auto known = documents.find(key);
+    if (known == documents.end()) {
+        known =
+            documents.emplace(key, documentPlaces(key == "rules" ? texts.rules : texts.dataModel))
+                .first;
     }
-    const auto place = known->second.find(finding.section);
-    return place == known->second.end() ? std::string() : place->second;
+    const auto place = known->second.sections.find(finding.section);
+    return place == known->second.sections.end() ? std::string() : place->second;
+}
+
+// "LINE:COLUMN" as {"line": LINE, "column": COLUMN}, or null when unknown.
+void writePlace(JsonWriter& writer, const std::string& place) {
+    const std::size_t colon = place.find(':');
+    if (colon == std::string::npos) {
+        writer.Null();
+        return;
+    }
+    writer.StartObject();
+    writer.Key("line");
+    writer.Uint64(std::stoull(place.substr(0, colon)));
+    writer.Key("column");
+    writer.Uint64(std::stoull(place.substr(colon + 1)));
+    writer.EndObject();
+}
+
+// Where each rule of a trace stands in the rules text, in the trace's order.
+void writeTracePlaces(JsonWriter& writer, const std::vector<TOVRuleConsultation>& steps,
+                      const std::string& rulesText) {
+    const DocumentPlaces places = documentPlaces(rulesText);
+    writer.StartArray();
+    for (const TOVRuleConsultation& step : steps) {
+        const auto section = places.rules.find(GetTOVRuleKinds()[step.kind].section);
+        const bool known =
+            section != places.rules.end() && step.documentPosition < section->second.size();
+        writePlace(writer, known ? section->second[step.documentPosition] : std::string());
+    }
+    writer.EndArray();
 }
 
 void writeFinding(JsonWriter& writer, const Finding& finding, const char* key,
@@ -308,11 +339,11 @@ HttpResponse WorkbenchApi::check(const std::string& body) const {
     writer.EndArray();
     writer.Key("findings");
     writer.StartArray();
-    std::map<std::string, std::map<std::string, std::string>> sections;
+    std::map<std::string, DocumentPlaces> places;
     for (const Finding& finding : documents.findings()) {
         if (finding.severity != Finding::kLoaded) {
             const char* key = documentKey(finding, workspace.names());
-            writeFinding(writer, finding, key, placeOf(finding, key, sections, texts));
+            writeFinding(writer, finding, key, placeOf(finding, key, places, texts));
         }
     }
     writer.EndArray();
@@ -423,7 +454,10 @@ HttpResponse WorkbenchApi::evaluate(const std::string& body) const {
     if (!documents.load(false)) {
         return notLoaded(documents);
     }
+    TOVDecisionTrace trace;
+    documents.core().get()->setDecisionObserver(&trace);
     const TOVResponse response = kind->evaluate(request, documents.core().get());
+    documents.core().get()->setDecisionObserver(nullptr);
 
     tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
@@ -433,6 +467,11 @@ HttpResponse WorkbenchApi::evaluate(const std::string& body) const {
     writer.Key("line");
     writeString(writer, response.turnResponseIntoASingleString());
     tovcli::writeResponseMembers(writer, response);
+    writer.Key("trace");
+    const std::string steps = ComposeTOVDecisionTraceJson(trace.steps());
+    writer.RawValue(steps.c_str(), steps.size(), rapidjson::kArrayType);
+    writer.Key("tracePlaces");
+    writeTracePlaces(writer, trace.steps(), texts.rules);
     writer.EndObject();
     return jsonAnswer(buffer);
 }

@@ -37,7 +37,9 @@ public:
     // POST /api/graph {"rules", "datamodel", "type", "attribute"}: the DOT
     // text of the lifecycle as tov graph draws it, and its SVG drawing.
     tovhttp::HttpResponse graph(const std::string& body) const;
-    // POST /api/evaluate {"rules", "datamodel", "kind", "request"}: the answer.
+    // POST /api/evaluate {"rules", "datamodel", "kind", "request"}: the answer,
+    // with the decision trace (which rules judged it, in judging order) and
+    // where each of those rules stands in the rules text.
     tovhttp::HttpResponse evaluate(const std::string& body) const;
     // POST /api/test {"rules", "datamodel", "suite"}: every case's outcome.
     tovhttp::HttpResponse test(const std::string& body) const;

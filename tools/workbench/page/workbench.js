@@ -355,17 +355,6 @@
     }
   }
 
-  // The deciding rule: the last that objected or asked for missing data.
-  function decidingStep(trace) {
-    for (let index = trace.length - 1; index >= 0; index -= 1) {
-      const outcome = trace[index].outcome;
-      if (outcome === "objected" || outcome === "asked for missing data") {
-        return index;
-      }
-    }
-    return -1;
-  }
-
   const OUTCOME_CLASSES = {
     "approved": "approved",
     "objected": "objected",
@@ -373,25 +362,54 @@
     "not applicable": "not-applicable",
   };
 
-  function showTrace(trace) {
+  const decidingLines = [];
+
+  function clearDecidingLines() {
+    while (decidingLines.length > 0) {
+      const mark = decidingLines.pop();
+      editors.rules.removeLineClass(mark, "background", "line-deciding");
+    }
+  }
+
+  // The rules that decided, in the rules in words: their sentences are the same.
+  function markDecidingSentences(sentences) {
+    for (const item of byId("explain").querySelectorAll("li")) {
+      item.classList.toggle("deciding", sentences.includes(item.textContent));
+    }
+  }
+
+  // The steps of the decision trace in judging order; the rules whose words
+  // stand in the answer's comment decided it, and are marked here, in the
+  // rules in words and in the rules editor.
+  function showTrace(trace, places) {
     const list = byId("trace");
     list.replaceChildren();
-    const missing = !Array.isArray(trace);
-    byId("trace-missing").hidden = !missing;
-    list.hidden = missing;
-    if (missing) {
-      return;
-    }
-    const deciding = decidingStep(trace);
+    clearDecidingLines();
+    markDecidingSentences(trace.filter((step) => step.decisive).map((step) => step.rule));
     trace.forEach(function (step, index) {
       const item = element("li", OUTCOME_CLASSES[step.outcome] || "");
-      if (index === deciding) {
+      item.append(element("span", "outcome", step.outcome));
+      item.append(document.createTextNode(step.rule + " "));
+      const label = step.section + " #" + step.number;
+      const place = places[index];
+      if (place) {
+        const position = positionOf(editors.rules, place.line, place.column);
+        const button = element("button", "place", label + " at " + place.line + ":" + place.column);
+        button.type = "button";
+        button.title = "Put the cursor on this rule";
+        button.addEventListener("click", () => goTo(editors.rules, position));
+        item.append(button);
+        if (step.decisive) {
+          decidingLines.push(editors.rules.addLineClass(position.line, "background",
+                                                        "line-deciding"));
+        }
+      } else {
+        item.append(element("span", "place", label));
+      }
+      if (step.decisive) {
         item.classList.add("deciding");
         item.title = "This rule decided the answer";
       }
-      item.append(element("span", "outcome", step.outcome));
-      item.append(document.createTextNode(step.rule + " (" + step.section + " #" + step.number +
-        ")"));
       list.append(item);
     });
   }
@@ -420,7 +438,7 @@
       row.append(element("td", "", keyword), element("td", "", answer.keywords[keyword]));
       table.append(row);
     }
-    showTrace(answer.trace);
+    showTrace(answer.trace, answer.tracePlaces);
     markAnswered();
   }
 
@@ -439,7 +457,7 @@
       byId("comment").textContent = error.message;
       byId("advice").hidden = true;
       byId("keywords").replaceChildren();
-      showTrace([]);
+      showTrace([], []);
       markAnswered();
     } finally {
       button.disabled = false;
