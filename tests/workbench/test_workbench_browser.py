@@ -164,12 +164,6 @@ def test_a_misspelt_section_is_listed_with_its_line(browser, bench):
         ".getCursor(); return [c.line, c.ch];")
     assert cursor == [1, 2]
     screenshot(browser, "02-misspelt-section.png")
-    # The picture of the README: an edit, its finding at its line, and the
-    # diagram of the rules as edited.
-    show_pane(browser, "graph")
-    wait_until(browser, lambda: browser.find_elements(By.CSS_SELECTOR, "[data-test=graph] svg"),
-               "no diagram was drawn")
-    screenshot(browser, "workbench.png")
 
 
 def test_the_part_status_diagram_is_svg(browser, bench):
@@ -221,6 +215,9 @@ def test_an_example_edit_evaluates_to_its_expected_verdict(browser, bench):
     assert cursor == [16, 6]
     assert browser.find_elements(By.CSS_SELECTOR, "[data-test=rules-editor] .line-deciding")
     screenshot(browser, "04-evaluated.png")
+    # The picture of the README: a verdict, its trace, and the rule that
+    # decided marked in the rules editor.
+    screenshot(browser, "workbench.png")
 
 
 def test_an_answer_that_asks_for_more_says_which_section_to_add(browser, bench):
