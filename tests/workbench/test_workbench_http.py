@@ -129,6 +129,11 @@ def test_every_example_is_answered_as_eval_prints_it(bench, name, kind):
     structured = json.loads(output)
     assert {key: evaluated[key] for key in structured} == structured
     assert evaluated["verdict"] == {0: "approved", 1: "refused", 3: "needs more data"}[status]
+    # The trace: the rules that decided are those whose words the comment holds.
+    assert len(evaluated["tracePlaces"]) == len(evaluated["trace"])
+    for step in evaluated["trace"]:
+        assert set(step) == {"section", "number", "rule", "outcome", "decisive"}
+        assert step["decisive"] == (step["rule"] in evaluated["comment"])
 
 
 def test_the_example_suite_passes_as_tov_test_runs_it(bench):
