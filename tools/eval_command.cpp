@@ -1,10 +1,14 @@
 // tov eval: one request, one answer.
 #include <iostream>
 #include <memory>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 #include "request_kinds.h"
+#include "tov/TOVDecisionTrace.h"
+#include "tov/rule_kinds.h"
 
 namespace tovcli {
 
@@ -13,7 +17,31 @@ namespace {
 struct EvalOptions : DocumentCommandOptions {
     std::string kind;
     std::string requestPath;  // empty or "-": standard input
+    bool trace = false;
 };
+
+// The trace in words, a line per rule: "  SECTION #NUMBER, OUTCOME: RULE", with
+// " (decisive)" behind the outcome of a rule whose words stand in the comment.
+void printTraceInWords(const std::vector<TOVRuleConsultation>& steps, std::ostream& out) {
+    if (steps.empty()) {
+        out << "Trace: no rule was consulted\n";
+        return;
+    }
+    out << "Trace, in judging order:\n";
+    for (const TOVRuleConsultation& step : steps) {
+        out << "  " << GetTOVRuleKinds()[step.kind].section << " #" << step.documentPosition + 1
+            << ", " << GetTOVRuleOutcomeWords(step.outcome) << (step.decisive ? " (decisive)" : "")
+            << ": " << step.words << "\n";
+    }
+}
+
+// The JSON form with the trace as one more member, "trace", last.
+std::string withTrace(const std::string& answerObject,
+                      const std::vector<TOVRuleConsultation>& steps) {
+    // responseAsJson writes one object: its closing brace goes behind the trace.
+    return answerObject.substr(0, answerObject.size() - 1) +
+           ",\"trace\":" + ComposeTOVDecisionTraceJson(steps) + "}";
+}
 
 int exitStatusOf(const TOVResponse& response) {
     if (response.getGeneralResult()) {
@@ -45,10 +73,18 @@ int runEval(const EvalOptions& options) {
     if (!loadDocuments(documents, core, options.documents.maxInputSize, false, std::cerr)) {
         return kExitUsageOrInput;
     }
+    TOVDecisionTrace trace;
+    core.get()->setDecisionObserver(options.trace ? &trace : nullptr);
     const TOVResponse response = kind.evaluate(request, core.get());
-    std::cout << (options.format == OutputFormat::kJson ? responseAsJson(response)
-                                                        : response.turnResponseIntoASingleString())
-              << std::endl;
+    if (options.format == OutputFormat::kJson) {
+        const std::string answer = responseAsJson(response);
+        std::cout << (options.trace ? withTrace(answer, trace.steps()) : answer) << std::endl;
+    } else {
+        std::cout << response.turnResponseIntoASingleString() << std::endl;
+        if (options.trace) {
+            printTraceInWords(trace.steps(), std::cout);
+        }
+    }
     std::cerr << response.createVemoInfoMessage() << std::endl;
     return exitStatusOf(response);
 }
@@ -66,6 +102,8 @@ Command addEvalCommand(CLI::App& program) {
                      "The request document (JSON); - or nothing reads standard input")
         ->type_name("FILE");
     addDocumentOptions(*command, options->documents, true);
+    command->add_flag("--trace", options->trace,
+                      "Tell, after the answer, which rules judged the request and what each did");
     addLogOption(*command, options->log);
     addFormatOption(*command, options->format);
 
@@ -90,6 +128,13 @@ Command addEvalCommand(CLI::App& program) {
             "the request again with \"membersOfFamily\" or \"manualLinkAncestors\"); 2 bad "
             "arguments, a file that cannot be read, or a document that does not load (its "
             "faults then go to standard error as check tells them, and nothing is evaluated).",
+            "With --trace the answer line is followed by the rules that judged the request, in "
+            "the order of judging, one per line: \"  SECTION #NUMBER, OUTCOME: RULE\", NUMBER "
+            "the rule's place in its section of the rules document (from 1, as explain and "
+            "test --coverage number it), OUTCOME \"approved\", \"objected\", \"asked for "
+            "missing data\" or \"not applicable\", with \" (decisive)\" for each rule whose "
+            "words stand in the comment. With --format json the object gains \"trace\": "
+            "[{\"section\", \"number\", \"rule\", \"outcome\", \"decisive\"}].",
             kLogHelp,
             kMaxInputSizeHelp,
             "Example: tov eval edit --rules rules.json --dm datamodel.json request.json",

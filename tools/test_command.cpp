@@ -1,12 +1,21 @@
 // tov test: run rule regression suites and tell what failed, as a test runner does.
+#include <algorithm>
+#include <array>
+#include <iomanip>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands.h"
 #include "test_suite.h"
+#include "tov/TOVDecisionTrace.h"
+#include "tov/TOVLifecycleBusinessRules.h"
+#include "tov/rule_kinds.h"
 
 namespace tovcli {
 
@@ -20,6 +29,8 @@ struct TestOptions {
     ReportFormat format = ReportFormat::kText;
     std::string log = "off";
     std::uint64_t maxInputSize = kDefaultMaxInputSize;
+    bool coverage = false;
+    double coverageMin = 0;  // percent; 0 asks nothing
 };
 
 struct CaseResult {
@@ -27,6 +38,145 @@ struct CaseResult {
     const TestCase* testCase;
     std::vector<Mismatch> mismatches;
 };
+
+// Which rules of one rules document the cases exercised: consulted, and
+// binding (any outcome but "not applicable").
+struct DocumentCoverage {
+    std::string rulesPath;
+    std::array<std::size_t, TOVRuleKindCount> totals{};
+    std::array<std::set<std::size_t>, TOVRuleKindCount> exercised;  // document positions
+    // The rules never exercised, each as its place (from 1) and its words.
+    std::array<std::vector<std::pair<std::size_t, std::string>>, TOVRuleKindCount> never;
+};
+
+std::size_t exercisedCount(const DocumentCoverage& coverage) {
+    std::size_t count = 0;
+    for (const auto& positions : coverage.exercised) {
+        count += positions.size();
+    }
+    return count;
+}
+
+std::size_t totalCount(const DocumentCoverage& coverage) {
+    std::size_t count = 0;
+    for (const std::size_t total : coverage.totals) {
+        count += total;
+    }
+    return count;
+}
+
+// A document without rules leaves nothing to exercise: all of it is covered.
+double percentOf(std::size_t part, std::size_t whole) {
+    return whole == 0 ? 100.0 : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
+}
+
+std::string percentInWords(double percent) {
+    std::ostringstream words;
+    words << std::fixed << std::setprecision(1) << percent << "%";
+    return words.str();
+}
+
+// Notes each binding rule of a trace in the coverage of its document.
+void noteExercised(const std::vector<TOVRuleConsultation>& steps, DocumentCoverage& coverage) {
+    for (const TOVRuleConsultation& step : steps) {
+        if (step.outcome != TOVRuleOutcome_NotApplicable) {
+            coverage.exercised[step.kind].insert(step.documentPosition);
+        }
+    }
+}
+
+// Takes the store's count and words of every rule not exercised.
+void finishCoverage(const TOVLifecycleBusinessRules& rules, DocumentCoverage& coverage) {
+    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+        const std::size_t count = rules.countRules(kind.kind);
+        coverage.totals[kind.kind] = count;
+        std::vector<std::pair<std::size_t, std::string>>& never = coverage.never[kind.kind];
+        never.clear();
+        for (std::size_t index = 0; index < count; ++index) {
+            const std::size_t position = rules.documentPositionOfRule(kind.kind, index);
+            if (coverage.exercised[kind.kind].count(position) == 0) {
+                never.emplace_back(position + 1, rules.ruleInWords(kind.kind, index));
+            }
+        }
+        std::sort(never.begin(), never.end());
+    }
+}
+
+void printCoverageText(const std::vector<DocumentCoverage>& coverages, std::ostream& out) {
+    for (const DocumentCoverage& coverage : coverages) {
+        const std::size_t exercised = exercisedCount(coverage);
+        const std::size_t total = totalCount(coverage);
+        out << "Coverage of " << coverage.rulesPath << ": " << exercised << " of " << total
+            << " rules exercised (" << percentInWords(percentOf(exercised, total)) << ")\n";
+        for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+            if (coverage.totals[kind.kind] == 0) {
+                continue;
+            }
+            out << "  " << kind.section << ": " << coverage.exercised[kind.kind].size() << " of "
+                << coverage.totals[kind.kind] << "\n";
+            for (const auto& [number, words] : coverage.never[kind.kind]) {
+                out << "    never: #" << number << " " << words << "\n";
+            }
+        }
+    }
+}
+
+void writeCoverageJson(const std::vector<DocumentCoverage>& coverages, JsonWriter& writer) {
+    writer.StartArray();
+    for (const DocumentCoverage& coverage : coverages) {
+        const std::size_t exercised = exercisedCount(coverage);
+        const std::size_t total = totalCount(coverage);
+        writer.StartObject();
+        writer.Key("rules");
+        writeString(writer, coverage.rulesPath);
+        writer.Key("exercised");
+        writer.Uint64(exercised);
+        writer.Key("total");
+        writer.Uint64(total);
+        writer.Key("percent");
+        writer.Double(percentOf(exercised, total));
+        writer.Key("kinds");
+        writer.StartArray();
+        for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+            writer.StartObject();
+            writer.Key("section");
+            writer.String(kind.section);
+            writer.Key("exercised");
+            writer.Uint64(coverage.exercised[kind.kind].size());
+            writer.Key("total");
+            writer.Uint64(coverage.totals[kind.kind]);
+            writer.Key("never");
+            writer.StartArray();
+            for (const auto& [number, words] : coverage.never[kind.kind]) {
+                writer.StartObject();
+                writer.Key("number");
+                writer.Uint64(number);
+                writer.Key("rule");
+                writeString(writer, words);
+                writer.EndObject();
+            }
+            writer.EndArray();
+            writer.EndObject();
+        }
+        writer.EndArray();
+        writer.EndObject();
+    }
+    writer.EndArray();
+}
+
+// The coverage of the document at `rulesPath`, made when first asked for:
+// suites that share a rules document share its coverage.
+DocumentCoverage& coverageOf(const std::string& rulesPath,
+                             std::vector<DocumentCoverage>& coverages) {
+    for (DocumentCoverage& coverage : coverages) {
+        if (coverage.rulesPath == rulesPath) {
+            return coverage;
+        }
+    }
+    coverages.push_back({});
+    coverages.back().rulesPath = rulesPath;
+    return coverages.back();
+}
 
 // A text as JSON writes it, quotes and escapes included, so that no text can
 // be mistaken for another.
@@ -72,7 +222,8 @@ void writeOptionalText(JsonWriter& writer, bool present, const std::string& text
     }
 }
 
-void printJson(const std::vector<CaseResult>& results, std::size_t failed, std::ostream& out) {
+void printJson(const std::vector<CaseResult>& results, std::size_t failed,
+               const std::vector<DocumentCoverage>* coverages, std::ostream& out) {
     tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     writer.StartObject();
@@ -106,6 +257,10 @@ void printJson(const std::vector<CaseResult>& results, std::size_t failed, std::
         writer.EndObject();
     }
     writer.EndArray();
+    if (coverages != nullptr) {
+        writer.Key("coverage");
+        writeCoverageJson(*coverages, writer);
+    }
     writer.EndObject();
     out << buffer.GetString() << "\n";
 }
@@ -179,10 +334,11 @@ void printJunit(const std::vector<TestSuite>& suites, const std::vector<CaseResu
     out << "</testsuites>\n";
 }
 
-// Loads the suite's documents and runs its cases. False when the documents
-// cannot be read or do not load; their faults are then told on standard error.
-bool runSuite(const TestSuite& suite, const TestOptions& options,
-              std::vector<CaseResult>& results) {
+// Loads the suite's documents and runs its cases, with their traces noted in
+// `coverages` when given. False when the documents cannot be read or do not
+// load; their faults are then told on standard error.
+bool runSuite(const TestSuite& suite, const TestOptions& options, std::vector<CaseResult>& results,
+              std::vector<DocumentCoverage>* coverages) {
     const DocumentPaths paths{suite.rulesPath, suite.dataModelPath, options.maxInputSize};
     bool unreadable = false;
     const std::unique_ptr<PrivateCore> core = loadCommandDocuments(options.log, paths, unreadable);
@@ -192,9 +348,20 @@ bool runSuite(const TestSuite& suite, const TestOptions& options,
         }
         return false;
     }
+    DocumentCoverage* coverage =
+        coverages == nullptr ? nullptr : &coverageOf(suite.rulesPath, *coverages);
     for (const TestCase& testCase : suite.cases) {
+        TOVDecisionTrace trace;
+        core->get()->setDecisionObserver(coverage == nullptr ? nullptr : &trace);
         const TOVResponse response = testCase.kind->evaluate(testCase.request, core->get());
         results.push_back({&suite, &testCase, compareAnswer(testCase, answerAsPrinted(response))});
+        if (coverage != nullptr) {
+            noteExercised(trace.steps(), *coverage);
+        }
+    }
+    core->get()->setDecisionObserver(nullptr);
+    if (coverage != nullptr) {
+        finishCoverage(core->rules(), *coverage);
     }
     return true;
 }
@@ -210,8 +377,10 @@ int runTests(const TestOptions& options) {
         }
     }
     std::vector<CaseResult> results;
+    const bool coverage = options.coverage || options.coverageMin > 0;
+    std::vector<DocumentCoverage> coverages;
     for (const TestSuite& suite : suites) {
-        if (!runSuite(suite, options, results)) {
+        if (!runSuite(suite, options, results, coverage ? &coverages : nullptr)) {
             return kExitUsageOrInput;
         }
     }
@@ -221,15 +390,33 @@ int runTests(const TestOptions& options) {
     }
     switch (options.format) {
         case ReportFormat::kJson:
-            printJson(results, failed, std::cout);
+            printJson(results, failed, coverage ? &coverages : nullptr, std::cout);
             break;
         case ReportFormat::kJunit:
             printJunit(suites, results, failed, std::cout);
+            if (coverage) {
+                printCoverageText(coverages, std::cerr);  // the report stays plain JUnit
+            }
             break;
         default:
             printText(results, options.verbose, failed, std::cout);
+            if (coverage) {
+                printCoverageText(coverages, std::cout);
+            }
     }
-    return failed == 0 ? kExitSuccess : kExitFailure;
+    std::size_t exercised = 0;
+    std::size_t total = 0;
+    for (const DocumentCoverage& document : coverages) {
+        exercised += exercisedCount(document);
+        total += totalCount(document);
+    }
+    const bool coveredEnough = !coverage || percentOf(exercised, total) >= options.coverageMin;
+    if (!coveredEnough) {
+        std::cerr << "tov: " << exercised << " of " << total << " rules exercised ("
+                  << percentInWords(percentOf(exercised, total)) << "), below the minimum of "
+                  << percentInWords(options.coverageMin) << "\n";
+    }
+    return failed == 0 && coveredEnough ? kExitSuccess : kExitFailure;
 }
 
 }  // namespace
@@ -249,6 +436,14 @@ Command addTestCommand(CLI::App& program) {
                                                 {"json", ReportFormat::kJson},
                                                 {"junit", ReportFormat::kJunit}}))
         ->default_str("text");
+    command->add_flag("--coverage", options->coverage,
+                      "Tell which rules of each kind the cases exercised, and which never");
+    command
+        ->add_option("--coverage-min", options->coverageMin,
+                     "Fail unless at least this share of the rules is exercised (implies "
+                     "--coverage)")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0.0, 100.0));
     addLogOption(*command, options->log);
     addMaxInputSizeOption(*command, options->maxInputSize);
     command->footer(helpText({
@@ -265,9 +460,19 @@ Command addTestCommand(CLI::App& program) {
         "NAME (SUITE)\", and last \"N passed, M failed\". --format json gives one object "
         "{\"passed\", \"failed\", \"cases\": [{\"suite\", \"name\", \"passed\", \"mismatches\": "
         "[{\"keyword\", \"expected\", \"actual\"}]}]}; --format junit a JUnit XML report.",
+        "Coverage (--coverage): a rule counts as exercised when a case consulted it and it "
+        "bound the request (it approved, objected or asked for missing data; \"not "
+        "applicable\" does not count). After the cases, per rules document: \"Coverage of "
+        "PATH: N of M rules exercised (P%)\", then per kind \"SECTION: N of M\" and a line "
+        "\"never: #NUMBER RULE\" for each rule no case exercised, NUMBER its place in its "
+        "section of the document, from 1. --format json adds \"coverage\": [{\"rules\", "
+        "\"exercised\", \"total\", \"percent\", \"kinds\": [{\"section\", \"exercised\", "
+        "\"total\", \"never\": [{\"number\", \"rule\"}]}]}]; with --format junit it goes "
+        "to standard error.",
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over two lines.
-        "Exit status: 0 when every case passed, 1 when one failed, 2 for a suite that cannot "
-        "be read, or documents that do not load (nothing is told on standard output then).",
+        "Exit status: 0 when every case passed (and, with --coverage-min, enough rules were "
+        "exercised), 1 when one failed or too few were, 2 for a suite that cannot be read, or "
+        "documents that do not load (nothing is told on standard output then).",
         kLogHelp,
         kMaxInputSizeHelp,
         "Example: tov test examples/tests.json",

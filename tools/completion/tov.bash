@@ -53,9 +53,9 @@ _tov() {
     case $command in
         check) options="--rules --dm --strict --format $common" ;;
         explain) options="--rules --dm --format $common" ;;
-        eval) options="--rules --dm --format $common" ;;
+        eval) options="--rules --dm --format --trace $common" ;;
         batch) options="--rules --dm --jobs --format $common" ;;
-        test) options="--verbose --format $common" ;;
+        test) options="--verbose --format --coverage --coverage-min $common" ;;
         graph) options="--rules --dm --type --attribute --format $common" ;;
         serve) options="--rules --dm --listen --threads --watch --token-file --allow-host
             --decision-log --grace --max-body-size --max-header-size --max-connections
