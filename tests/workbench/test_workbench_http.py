@@ -117,16 +117,17 @@ def test_graph_draws_what_graph_draws(bench):
 
 
 @pytest.mark.parametrize("name,kind", examples())
-def test_every_example_is_answered_as_eval_prints_it(bench, name, kind):
+def test_every_example_is_answered_and_traced_as_eval_prints_it(bench, name, kind):
     request = (EXAMPLES / "requests" / (name + ".json")).read_text()
     answer = bench.post("/api/evaluate", dict(example_documents(), kind=kind, request=request))
     assert answer.status == 200
     evaluated = answer.json()
     assert evaluated["line"] + "\n" == (EXAMPLES / "expected" / (name + ".out")).read_text()
-    status, output, _ = run_tov("eval", kind, "--format", "json", "--rules",
+    status, output, _ = run_tov("eval", kind, "--trace", "--format", "json", "--rules",
                                 EXAMPLES / "rules.json", "--dm", EXAMPLES / "datamodel.json",
                                 EXAMPLES / "requests" / (name + ".json"))
     structured = json.loads(output)
+    assert "trace" in structured
     assert {key: evaluated[key] for key in structured} == structured
     assert evaluated["verdict"] == {0: "approved", 1: "refused", 3: "needs more data"}[status]
     # The trace: the rules that decided are those whose words the comment holds.
