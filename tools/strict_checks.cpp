@@ -390,23 +390,53 @@ private:
     std::vector<Finding>& findings;
 };
 
+// A document's text parsed, from the text it holds or from its file.
+bool parseDocument(const Document& document, std::uint64_t maxInputSize, tovjson::Document& json) {
+    if (document.text != nullptr) {
+        json.Parse<rapidjson::kParseIterativeFlag>(document.text->c_str(), document.text->size());
+        return !json.HasParseError();
+    }
+    std::string error;
+    return parseJsonFile(
+        document.path, document.kind == Document::kRules ? "rules document" : "data-model document",
+        maxInputSize, json, error);
+}
+
 }  // namespace
 
 void checkStrictly(const DocumentPaths& paths, const TOV_DMStructure& dataModel,
                    std::vector<Finding>& findings) {
-    StrictChecker checker(paths, dataModel, findings);
-    tovjson::Document json;
-    std::string error;
-    // Both documents loaded a moment ago, so they read and parse again.
-    if (!paths.dataModelPath.empty() &&
-        parseJsonFile(paths.dataModelPath, "data-model document", paths.maxInputSize, json,
-                      error) &&
-        json.IsObject()) {
-        checker.checkDataModel(json);
+    std::vector<Document> documents;
+    if (!paths.dataModelPath.empty()) {
+        documents.push_back({Document::kDataModel, paths.dataModelPath, 0});
     }
-    if (parseJsonFile(paths.rulesPath, "rules document", paths.maxInputSize, json, error) &&
-        json.IsObject()) {
-        checker.checkRules(json);
+    documents.push_back({Document::kRules, paths.rulesPath, 0});
+    checkStrictly(documents, paths.maxInputSize, dataModel, findings);
+}
+
+void checkStrictly(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                   const TOV_DMStructure& dataModel, std::vector<Finding>& findings) {
+    DocumentPaths paths;
+    paths.maxInputSize = maxInputSize;
+    for (const Document& document : documents) {
+        (document.kind == Document::kRules ? paths.rulesPath : paths.dataModelPath) = document.path;
+    }
+    StrictChecker checker(paths, dataModel, findings);
+    // Both documents loaded a moment ago, so they read and parse again; the
+    // data model first, as it loaded.
+    for (const Document::Kind kind : {Document::kDataModel, Document::kRules}) {
+        for (const Document& document : documents) {
+            tovjson::Document json;
+            if (document.kind != kind || !parseDocument(document, maxInputSize, json) ||
+                !json.IsObject()) {
+                continue;
+            }
+            if (kind == Document::kRules) {
+                checker.checkRules(json);
+            } else {
+                checker.checkDataModel(json);
+            }
+        }
     }
 }
 

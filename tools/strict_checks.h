@@ -3,6 +3,7 @@
 #ifndef TOV_TOOLS_STRICT_CHECKS_H_
 #define TOV_TOOLS_STRICT_CHECKS_H_
 
+#include <cstdint>
 #include <vector>
 
 #include "documents.h"
@@ -17,6 +18,11 @@ namespace tovcli {
 // `dataModel` is the loaded data model, empty when none was given.
 void checkStrictly(const DocumentPaths& paths, const TOV_DMStructure& dataModel,
                    std::vector<Finding>& findings);
+
+// The same for documents that may be held as texts (the workbench's edits):
+// each is read from its text when it has one, else from its file.
+void checkStrictly(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                   const TOV_DMStructure& dataModel, std::vector<Finding>& findings);
 
 }  // namespace tovcli
 
