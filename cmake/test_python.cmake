@@ -33,3 +33,29 @@ if(missing)
     "interpreter with -DPython3_EXECUTABLE=..., or configure with -DTOV_BUILD_TESTS=OFF")
 endif()
 message(STATUS "Python tests run with ${Python3_EXECUTABLE}")
+
+# The workbench's browser tests drive Chromium with Selenium, which the
+# chosen interpreter may lack while another has it (Debian's python3-selenium
+# serves /usr/bin/python3 only): they take the first interpreter that has
+# pytest and selenium, in the same order.
+if(TOV_BUILD_TOOLS AND TOV_BUILD_WORKBENCH AND NOT DEFINED CACHE{TOV_BROWSER_TEST_PYTHON})
+  set(tov_browser_modules "import pytest, selenium")
+  find_program(tov_path_python NAMES python3 NO_CACHE)
+  foreach(candidate IN ITEMS "${Python3_EXECUTABLE}" "${tov_path_python}" /usr/bin/python3)
+    if(candidate AND EXISTS "${candidate}")
+      execute_process(COMMAND "${candidate}" -c ${tov_browser_modules}
+        RESULT_VARIABLE missing OUTPUT_QUIET ERROR_QUIET)
+      if(NOT missing)
+        set(TOV_BROWSER_TEST_PYTHON "${candidate}" CACHE FILEPATH
+          "Interpreter of the workbench's browser tests (needs pytest and selenium)")
+        break()
+      endif()
+    endif()
+  endforeach()
+  if(NOT TOV_BROWSER_TEST_PYTHON)
+    message(FATAL_ERROR "selenium is missing for every python3 found: install python3-selenium "
+      "(scripts/install-deps.sh does), name an interpreter with "
+      "-DTOV_BROWSER_TEST_PYTHON=..., or configure with -DTOV_BUILD_TESTS=OFF")
+  endif()
+  message(STATUS "The workbench's browser tests run with ${TOV_BROWSER_TEST_PYTHON}")
+endif()

@@ -46,23 +46,24 @@ JSON_TYPES = ("json/json_types.h", "the library's JSON types, whose allocator th
 # include, the private headers of src/ it may include and why, and, where
 # set, the only public headers it may include.
 OUTSIDE = {
-    # The HTTP layer and the decision service are parts of the program, each
-    # folder on the include path of the others.
+    # The HTTP layer, the decision service and the workbench are parts of
+    # the program, each folder on the include path of the others.
     "tools": {
-        "uses": ["tools/http", "tools/serve"],
+        "uses": ["tools/http", "tools/serve", "tools/workbench"],
         "sanctioned": dict([JSON_TYPES, (
             "api/log_setting.h", "the program compiles api/log_setting.cpp itself, so that "
             "its --log option reads the words as the engine does; it needs only the public "
             "headers")]),
     },
     "bench": {"uses": [], "sanctioned": dict([JSON_TYPES])},
-    # The fuzz targets drive the program's batch line reader and the service's
-    # router, and read the example scenario as the tests do.
-    "fuzz": {"uses": ["tools", "tools/http", "tools/serve", "tests/support"],
+    # The fuzz targets drive the program's batch line reader and the routers
+    # of the service and the workbench, and read the example scenario as the
+    # tests do.
+    "fuzz": {"uses": ["tools", "tools/http", "tools/serve", "tools/workbench", "tests/support"],
              "sanctioned": dict([JSON_TYPES])},
     "examples": {"uses": [], "sanctioned": {}},
     # The tests also test the program's parts.
-    "tests": {"uses": ["tests/support", "tools", "tools/http", "tools/serve"],
+    "tests": {"uses": ["tests/support", "tools", "tools/http", "tools/serve", "tools/workbench"],
               "sanctioned": "all"},
     # The JNI glue stands on the C interface alone.
     "java": {"uses": [], "sanctioned": {}, "public": {"tov_c.h", "export.h"}},

@@ -6,7 +6,8 @@ set -eu
 PACKAGES="cmake ninja-build g++ clang clang-format clang-tidy pkg-config rapidjson-dev libgtest-dev \
 libgmock-dev libbenchmark-dev libcli11-dev libclang-rt-14-dev python3 python3-jsonschema \
 python3-pytest python3-pip python3-setuptools python3-wheel openjdk-17-jdk-headless junit5 \
-libboost-dev nginx wrk python3-prometheus-client python3-yaml libssl-dev graphviz"
+libboost-dev nginx wrk python3-prometheus-client python3-yaml libssl-dev graphviz chromium \
+chromium-driver python3-selenium libgraphviz-dev libjs-codemirror"
 
 missing=""
 for package in $PACKAGES; do

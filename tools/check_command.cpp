@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "document_check.h"
 #include "strict_checks.h"
 
 namespace tovcli {
@@ -13,54 +14,6 @@ namespace {
 struct CheckOptions : DocumentCommandOptions {
     bool strict = false;
 };
-
-// A document that loads but holds nothing makes every evaluation fail, which
-// its author would rather hear now.
-void noteEmptyStores(const DocumentPaths& paths, PrivateCore& core,
-                     std::vector<Finding>& findings) {
-    if (!paths.dataModelPath.empty() && !core.dataModel().existAnyInfo()) {
-        findings.push_back({Finding::kNote,
-                            paths.dataModelPath,
-                            "structureObjects",
-                            {},
-                            "no object types, so evaluations that need them will be refused "
-                            "with \"Uninitialized Dm Information\""});
-    }
-    if (!core.rules().existAnyRules()) {
-        findings.push_back({Finding::kNote,
-                            paths.rulesPath,
-                            {},
-                            {},
-                            "no rules, so every request will be refused with \"Uninitialized "
-                            "TOV rules\""});
-    }
-}
-
-// A rule written for an object type that the data model does not describe is
-// most often a misspelt name, and such a rule quietly never applies.
-void noteUnknownObjectTypes(const DocumentPaths& paths, PrivateCore& core,
-                            std::vector<Finding>& findings) {
-    if (paths.dataModelPath.empty() || !core.dataModel().existAnyInfo()) {
-        return;
-    }
-    const std::vector<TOV_DMStructureObject>& described = core.dataModel().getAllStructureObjects();
-    for (const std::string& objectType : core.rules().collectObjectTypesOfRules()) {
-        const bool known = std::any_of(
-            described.begin(), described.end(), [&](const TOV_DMStructureObject& object) {
-                return core.dataModel().areObjectTypesThatShouldBeConsideredEqual(objectType,
-                                                                                  object.getName());
-            });
-        if (!known) {
-            findings.push_back({Finding::kNote,
-                                paths.rulesPath,
-                                {},
-                                {},
-                                "the rules for " + objectType +
-                                    " concern no object type of the data model " +
-                                    paths.dataModelPath});
-        }
-    }
-}
 
 void writeFindingJson(JsonWriter& writer, const Finding& finding) {
     writer.StartObject();
@@ -140,17 +93,15 @@ int runCheck(const CheckOptions& options) {
     TOV_DMStructure dataModel;
     {
         PrivateCore core(logFolder);
-        allLoaded = loadDocuments(documents, core, options.documents.maxInputSize, findings);
+        allLoaded = loadAndNote(documents, options.documents.maxInputSize, core, findings);
         if (allLoaded) {
-            noteEmptyStores(options.documents, core, findings);
-            noteUnknownObjectTypes(options.documents, core, findings);
             dataModel = core.dataModel();
         }
     }
-    // The loaded rules are gone by now, so that a large document is not held
-    // twice while it is read again.
+    // checkDocuments less the loaded rules, which are gone by now, so that a
+    // large document is not held twice while it is read again.
     if (allLoaded) {
-        findLikelyMistakes(options.documents, dataModel, findings);
+        findLikelyMistakes(documents, options.documents.maxInputSize, dataModel, findings);
     }
     if (options.format == OutputFormat::kJson) {
         printJson(findings, options.strict, std::cout);

@@ -27,6 +27,9 @@ Command addBatchCommand(CLI::App& program);
 Command addTestCommand(CLI::App& program);
 Command addGraphCommand(CLI::App& program);
 Command addServeCommand(CLI::App& program);
+#ifdef TOV_WITH_WORKBENCH
+Command addWorkbenchCommand(CLI::App& program);
+#endif
 
 // What check, explain, eval and batch all take: the documents, --log and --format.
 struct DocumentCommandOptions {

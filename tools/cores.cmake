@@ -1,9 +1,11 @@
 # The parts of the tov program that need no command line: the answers of
-# batch lines, explain and graph; the HTTP layer's messages and guards; and
-# the service's routes, state and counters. The program links them, and so
-# do the fuzz targets, which the fuzz preset builds without the program. The
-# includer names the library to link in TOV_CORES_LIBRARY: tov::tov for the
-# program, tov_internal for the fuzz targets.
+# batch lines, explain and graph; the checks of documents and the suites of
+# tov test; the HTTP layer's messages and guards; the service's routes,
+# state and counters; and the workbench's routes and answers. The program
+# links them, and so do the fuzz targets, which the fuzz preset builds
+# without the program. The includer names the library to link in
+# TOV_CORES_LIBRARY: tov::tov for the program, tov_internal for the fuzz
+# targets.
 if(NOT TARGET tov_program_core)
   set(tov_tools ${CMAKE_CURRENT_LIST_DIR})
 
@@ -24,6 +26,23 @@ if(NOT TARGET tov_program_core)
     ${RAPIDJSON_INCLUDE_DIRS})
   target_link_libraries(tov_program_core PUBLIC ${TOV_CORES_LIBRARY})
   tov_set_warnings(tov_program_core)
+
+  # What check tells about documents, and the suites of tov test: the program
+  # and the workbench share them.
+  add_library(tov_check_core STATIC
+    ${tov_tools}/session.cpp
+    ${tov_tools}/documents.cpp
+    ${tov_tools}/strict_checks.cpp
+    ${tov_tools}/document_check.cpp
+    ${tov_tools}/test_suite.cpp
+  )
+  if(NOT TOV_CORES_LIBRARY STREQUAL "tov_internal")
+    # The --log words, read as the C interface reads them; the shared
+    # library keeps them to itself.
+    target_sources(tov_check_core PRIVATE ${PROJECT_SOURCE_DIR}/src/api/log_setting.cpp)
+  endif()
+  target_link_libraries(tov_check_core PUBLIC tov_program_core)
+  tov_set_warnings(tov_check_core)
 
   # Reusable by every server of the program: no sockets, no Beast.
   add_library(tov_http_core STATIC
@@ -60,4 +79,8 @@ if(NOT TARGET tov_program_core)
   target_link_libraries(tov_serve_core PUBLIC tov_program_core tov_http_core
     PRIVATE OpenSSL::Crypto)
   tov_set_warnings(tov_serve_core)
+
+  if(TOV_BUILD_WORKBENCH)
+    include(${CMAKE_CURRENT_LIST_DIR}/workbench/workbench.cmake)
+  endif()
 endif()

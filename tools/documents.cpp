@@ -45,9 +45,12 @@ std::vector<std::string> splitFaults(const std::string& comment) {
 // as the library tells them when it reads the document again: the first piece
 // of a fault names its section, any further piece (a "|" within a name) none.
 std::vector<std::string> sectionsOfFaults(const Document& document, std::size_t faultCount) {
-    const std::vector<TOVDocumentFault> faults =
-        document.kind == Document::kRules ? FindTOVRulesDocumentFaults(document.path, true)
-                                          : FindTOV_DMInfoDocumentFaults(document.path, true);
+    // A document held as its text is read again from its text.
+    const std::string& input = document.text == nullptr ? document.path : *document.text;
+    const bool isPath = document.text == nullptr;
+    const std::vector<TOVDocumentFault> faults = document.kind == Document::kRules
+                                                     ? FindTOVRulesDocumentFaults(input, isPath)
+                                                     : FindTOV_DMInfoDocumentFaults(input, isPath);
     std::vector<std::string> sections;
     for (const TOVDocumentFault& fault : faults) {
         sections.push_back(fault.section);
@@ -69,12 +72,14 @@ void explainUnusableText(const Document& document, std::uint64_t maxInputSize,
         findings.push_back(noteOn(document, "the file is empty"));
         return;
     }
-    std::string text;
+    std::string read;
     std::string error;
-    if (!readInput(document.path, documentWhat(document.kind), maxInputSize, text, error)) {
+    if (document.text == nullptr &&
+        !readInput(document.path, documentWhat(document.kind), maxInputSize, read, error)) {
         findings.push_back(noteOn(document, error));
         return;
     }
+    const std::string& text = document.text == nullptr ? read : *document.text;
     tovjson::Document json;
     // Iterative like the library's own parse, so deep nesting cannot overflow the stack.
     json.Parse<rapidjson::kParseIterativeFlag>(text.c_str());
@@ -177,6 +182,10 @@ bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
 }
 
 TOVResponse initializeFromDocument(const Document& document, PrivateCore& core) {
+    if (document.text != nullptr) {
+        return document.kind == Document::kRules ? InitializeTOVRules(*document.text, core.get())
+                                                 : InitializeTOV_DMInfo(*document.text, core.get());
+    }
     // An empty file gets the answer of an empty text, which says more than a
     // parse error would.
     const bool empty = document.size == 0;

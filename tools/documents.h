@@ -17,11 +17,14 @@ namespace tovcli {
 
 // A document named on the command line, checked to be a regular file within
 // the size limit. The library reads it itself, so no copy of its text is held.
+// A document that is being edited (in the workbench) is held as its text
+// instead: `path` then only names it, and no file is read.
 struct Document {
     enum Kind { kRules, kDataModel };
     Kind kind;
     std::string path;
     std::uint64_t size;
+    const std::string* text = nullptr;  // not owned; null for a file
 };
 
 // The documents a command was given: the rules always, the data model when

@@ -40,6 +40,14 @@ const tovjson::Value* findString(const tovjson::Value& object, const char* name)
     return member != object.MemberEnd() && member->value.IsString() ? &member->value : nullptr;
 }
 
+const tovjson::Value* findArray(const tovjson::Value& object, const char* name) {
+    if (!object.IsObject()) {
+        return nullptr;
+    }
+    const auto member = object.FindMember(name);
+    return member != object.MemberEnd() && member->value.IsArray() ? &member->value : nullptr;
+}
+
 std::string stringOf(const tovjson::Value& object, const char* name) {
     const tovjson::Value* value = findString(object, name);
     return value == nullptr ? std::string()

@@ -24,6 +24,10 @@ std::string textLocation(const std::string& text, std::size_t offset);
 // The member `name` of an object when it is a string, else null.
 const tovjson::Value* findString(const tovjson::Value& object, const char* name);
 
+// The member `name` of an object when it is an array, else null (for a value
+// that is no object too).
+const tovjson::Value* findArray(const tovjson::Value& object, const char* name);
+
 // The member `name` of an object as text; empty when it is absent or no string.
 std::string stringOf(const tovjson::Value& object, const char* name);
 

@@ -50,21 +50,24 @@ int runProgram(int argc, char** argv) {
         "A rules author's day: write the documents, 'tov check --strict' them, draw an "
         "attribute's lifecycle with 'tov graph', keep cases in a suite for 'tov test', and "
         "read the rules back in words with 'tov explain'. 'tov serve' answers hosts on other "
-        "machines over HTTP.",
+        "machines over HTTP; 'tov workbench' does all of it in a page of the browser.",
         "Exit statuses: 0 success; 1 a document did not load or --strict found something "
         "(check, explain), a request failed (eval), a line was no request (batch), a case "
         "failed (test) or nothing was drawn (graph); 2 bad arguments, unreadable or too "
         "large input, or documents that do not load (eval, batch, test, graph, serve); 3 a "
-        "failed edit that asks for more data (eval). serve ends with 0 once stopped by "
-        "SIGTERM or SIGINT.",
+        "failed edit that asks for more data (eval). serve and workbench end with 0 once "
+        "stopped by SIGTERM or SIGINT.",
         "Run 'tov COMMAND --help' for the options of a command.",
     }));
 
     const std::vector<tovcli::Command> commands = {
-        tovcli::addCheckCommand(program), tovcli::addExplainCommand(program),
-        tovcli::addEvalCommand(program),  tovcli::addBatchCommand(program),
-        tovcli::addTestCommand(program),  tovcli::addGraphCommand(program),
+        tovcli::addCheckCommand(program),     tovcli::addExplainCommand(program),
+        tovcli::addEvalCommand(program),      tovcli::addBatchCommand(program),
+        tovcli::addTestCommand(program),      tovcli::addGraphCommand(program),
         tovcli::addServeCommand(program),
+#ifdef TOV_WITH_WORKBENCH
+        tovcli::addWorkbenchCommand(program),
+#endif
     };
     if (isUnknownCommand(argc, argv, commands)) {
         return tovcli::kExitUsageOrInput;

@@ -891,27 +891,50 @@ private:
     bool isDataModel = false;
 };
 
-// Reads and parses a document that loaded a moment ago, so it reads and parses again.
-bool readPlaced(const std::string& path, const char* what, std::uint64_t limit, PlacedJson& json) {
+// Reads and parses a document that loaded a moment ago, so it reads and parses
+// again: from its text when it is held as one, else from its file.
+bool readPlaced(const Document& document, std::uint64_t limit, PlacedJson& json) {
     std::string text;
     std::string error;
-    return readInput(path, what, limit, text, error) && json.parse(std::move(text), error) &&
-           json.root().IsObject();
+    if (document.text != nullptr) {
+        text = *document.text;
+    } else if (!readInput(
+                   document.path,
+                   document.kind == Document::kRules ? "rules document" : "data-model document",
+                   limit, text, error)) {
+        return false;
+    }
+    return json.parse(std::move(text), error) && json.root().IsObject();
 }
 
 }  // namespace
 
-void findLikelyMistakes(const DocumentPaths& paths, const TOV_DMStructure& dataModel,
-                        std::vector<Finding>& findings) {
-    StrictChecker checker(paths, dataModel);
-    PlacedJson dataModelJson;
-    if (!paths.dataModelPath.empty() &&
-        readPlaced(paths.dataModelPath, "data-model document", paths.maxInputSize, dataModelJson)) {
-        checker.checkDataModel(dataModelJson);
+void findLikelyMistakes(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                        const TOV_DMStructure& dataModel, std::vector<Finding>& findings) {
+    DocumentPaths paths;
+    paths.maxInputSize = maxInputSize;
+    for (const Document& document : documents) {
+        (document.kind == Document::kRules ? paths.rulesPath : paths.dataModelPath) = document.path;
     }
+    StrictChecker checker(paths, dataModel);
+    // Each document stays parsed until every finding is placed; the data model first, as it loaded.
+    PlacedJson dataModelJson;
     PlacedJson rulesJson;
-    if (readPlaced(paths.rulesPath, "rules document", paths.maxInputSize, rulesJson)) {
-        checker.checkRules(rulesJson);
+    for (const Document::Kind kind : {Document::kDataModel, Document::kRules}) {
+        for (const Document& document : documents) {
+            if (document.kind != kind) {
+                continue;
+            }
+            PlacedJson& json = kind == Document::kRules ? rulesJson : dataModelJson;
+            if (!readPlaced(document, maxInputSize, json)) {
+                continue;
+            }
+            if (kind == Document::kRules) {
+                checker.checkRules(json);
+            } else {
+                checker.checkDataModel(json);
+            }
+        }
     }
     checker.finish(findings);
 }

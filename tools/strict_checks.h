@@ -4,6 +4,7 @@
 #ifndef TOV_TOOLS_STRICT_CHECKS_H_
 #define TOV_TOOLS_STRICT_CHECKS_H_
 
+#include <cstdint>
 #include <vector>
 
 #include "documents.h"
@@ -11,7 +12,8 @@
 
 namespace tovcli {
 
-// Reads the documents of `paths` once more and appends a warning for each
+// Reads `documents` once more (each from its text when it is held as one,
+// else from its file, within `maxInputSize`) and appends a warning for each
 // likely mistake, placed at its line and column, in the order of the
 // documents (the data model first) and of their texts: member names repeated
 // in one object; unknown sections; fixed words in the wrong case or unknown;
@@ -24,8 +26,8 @@ namespace tovcli {
 // request. A rule is told as "TYPE #N (explain M)": its place in its object
 // type's list and its number in its section, as tov explain numbers it.
 // `dataModel` is the loaded data model, empty when none was given.
-void findLikelyMistakes(const DocumentPaths& paths, const TOV_DMStructure& dataModel,
-                        std::vector<Finding>& findings);
+void findLikelyMistakes(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                        const TOV_DMStructure& dataModel, std::vector<Finding>& findings);
 
 }  // namespace tovcli
 

@@ -1,5 +1,7 @@
 #include "test_suite.h"
 
+#include <rapidjson/error/en.h>
+
 #include <cctype>
 #include <filesystem>
 
@@ -17,7 +19,9 @@ std::string relativeTo(const std::string& folder, const std::string& path) {
 }
 
 // Reads case `number` (from 1) into `testCase`; false with the reason in `error`.
-bool readCase(const tovjson::Value& value, std::size_t number, const std::string& folder,
+// A "requestFile" is read relative to `folder`, and refused when there is
+// none: a suite that came as text names no file to read.
+bool readCase(const tovjson::Value& value, std::size_t number, const std::string* folder,
               std::uint64_t maxInputSize, TestCase& testCase, std::string& error) {
     const std::string label = "case " + std::to_string(number);
     if (!value.IsObject()) {
@@ -44,8 +48,12 @@ bool readCase(const tovjson::Value& value, std::size_t number, const std::string
         JsonWriter writer(text);
         writeValue(writer, request->value);
         testCase.request.assign(text.GetString(), text.GetSize());
+    } else if (request == value.MemberEnd() && !requestFile.empty() && folder == nullptr) {
+        error = named + R"(: "requestFile" names a file, which is not read here; give the )"
+                        R"(request itself under "request")";
+        return false;
     } else if (request == value.MemberEnd() && !requestFile.empty()) {
-        if (!readInput(relativeTo(folder, requestFile), "request", maxInputSize, testCase.request,
+        if (!readInput(relativeTo(*folder, requestFile), "request", maxInputSize, testCase.request,
                        error)) {
             error = named + ": " + error;
             return false;
@@ -77,6 +85,21 @@ bool readCase(const tovjson::Value& value, std::size_t number, const std::string
     return true;
 }
 
+// Reads every case of `cases` into `suite`, in order.
+bool readCases(const tovjson::Value& cases, const std::string* folder, std::uint64_t maxInputSize,
+               TestSuite& suite, std::string& error) {
+    suite.cases.clear();
+    for (const auto& value : cases.GetArray()) {
+        TestCase testCase;
+        if (!readCase(value, suite.cases.size() + 1, folder, maxInputSize, testCase, error)) {
+            error = std::string("suite ").append(suite.path).append(": ").append(error);
+            return false;
+        }
+        suite.cases.push_back(std::move(testCase));
+    }
+    return true;
+}
+
 }  // namespace
 
 bool readTestSuite(const std::string& path, std::uint64_t maxInputSize, TestSuite& suite,
@@ -101,16 +124,25 @@ bool readTestSuite(const std::string& path, std::uint64_t maxInputSize, TestSuit
     }
     suite.rulesPath = relativeTo(folder, rules);
     suite.dataModelPath = relativeTo(folder, dataModel);
-    suite.cases.clear();
-    for (const auto& value : cases->value.GetArray()) {
-        TestCase testCase;
-        if (!readCase(value, suite.cases.size() + 1, folder, maxInputSize, testCase, error)) {
-            error = std::string("suite ").append(path).append(": ").append(error);
-            return false;
-        }
-        suite.cases.push_back(std::move(testCase));
+    return readCases(cases->value, &folder, maxInputSize, suite, error);
+}
+
+bool readTestSuiteText(const std::string& text, const std::string& name, TestSuite& suite,
+                       std::string& error) {
+    tovjson::Document json;
+    json.Parse<rapidjson::kParseIterativeFlag>(text.c_str(), text.size());
+    suite.path = name;
+    if (json.HasParseError()) {
+        error = name + ":" + textLocation(text, json.GetErrorOffset()) + ": " +
+                rapidjson::GetParseError_En(json.GetParseError());
+        return false;
     }
-    return true;
+    const tovjson::Value* cases = findArray(json, "cases");
+    if (cases == nullptr) {
+        error = "suite " + name + R"( needs "cases" (a list))";
+        return false;
+    }
+    return readCases(*cases, nullptr, text.size(), suite, error);
 }
 
 std::map<std::string, std::string> answerAsPrinted(const TOVResponse& response) {

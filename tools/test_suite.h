@@ -36,6 +36,14 @@ struct TestSuite {
 bool readTestSuite(const std::string& path, std::uint64_t maxInputSize, TestSuite& suite,
                    std::string& error);
 
+// Reads a suite held as text, such as an editor sends it: {"cases": [...]};
+// "rules" and "datamodel" are not looked at, since its cases run against the
+// documents at hand. Every case carries its "request": one that names a
+// "requestFile" is refused, so that no text can make the program read a
+// file. `name` names the suite in messages.
+bool readTestSuiteText(const std::string& text, const std::string& name, TestSuite& suite,
+                       std::string& error);
+
 // One keyword whose text was not as expected, or that one side lacks.
 struct Mismatch {
     std::string keyword;

@@ -584,6 +584,11 @@ class Completion(unittest.TestCase):
         self.assertEqual(self.complete("tov", "serve", "--wa"), ["--watch"])
         self.assertEqual(self.complete("tov", "serve", "--listen", "127"), ["127.0.0.1:8480"])
         self.assertEqual(self.complete("tov", "serve", "--grace", ""), [])
+        self.assertEqual(self.complete("tov", "work"), ["workbench"])
+        self.assertEqual(self.complete("tov", "workbench", "--no"), ["--no-token"])
+        self.assertEqual(self.complete("tov", "workbench", "--wr"), ["--write"])
+        self.assertEqual(self.complete("tov", "workbench", "--listen", "127"),
+                         ["127.0.0.1:0", "127.0.0.1:8490"])
 
 
 if __name__ == "__main__":

@@ -86,6 +86,19 @@ read_main_cache(TOV_BUILD_TOOLS build_tools)
 if(build_tools)
   run_step("installed tov check" "${prefix}/bin/tov" check
     --rules "${SOURCE_DIR}/examples/rules.json" --dm "${SOURCE_DIR}/examples/datamodel.json")
+  # tov workbench edits the installed example scenario when given no
+  # documents: it is whole, since its suite passes.
+  read_main_cache(TOV_BUILD_WORKBENCH build_workbench)
+  if(build_workbench)
+    foreach(example rules.json datamodel.json scenario.json tests.json
+                    requests/edit-part-release-first-pass.json)
+      if(NOT EXISTS "${prefix}/share/tov/examples/${example}")
+        message(FATAL_ERROR "share/tov/examples/${example} is not installed")
+      endif()
+    endforeach()
+    run_step("installed example suite" "${prefix}/bin/tov" test
+      "${prefix}/share/tov/examples/tests.json")
+  endif()
 endif()
 
 # 1. As a CMake package.

@@ -56,6 +56,23 @@ TEST(HttpMessage, JsonResponsesEndWithOneLineEnd) {
     EXPECT_EQ(tovhttp::jsonResponse(503, "").status, 503);
 }
 
+TEST(HttpMessage, BrowserHeaders) {
+    HttpResponse response = tovhttp::jsonResponse(200, "{}");
+    response.setHeader("X-Frame-Options", "SAMEORIGIN");
+    tovhttp::setBrowserHeaders(response, "default-src 'none'");
+    ASSERT_EQ(response.headers.size(), 5U);
+    EXPECT_EQ(*response.header("Content-Type"), "application/json");
+    EXPECT_EQ(*response.header("X-Content-Type-Options"), "nosniff");
+    EXPECT_EQ(*response.header("Referrer-Policy"), "no-referrer");
+    EXPECT_EQ(*response.header("X-Frame-Options"), "DENY");
+    EXPECT_EQ(*response.header("Content-Security-Policy"), "default-src 'none'");
+
+    HttpResponse plain;
+    tovhttp::setBrowserHeaders(plain, "");
+    EXPECT_EQ(plain.headers.size(), 3U);
+    EXPECT_EQ(plain.header("Content-Security-Policy"), nullptr);
+}
+
 TEST(HttpMessage, QueryParametersAreDecoded) {
     const std::string query = "type=Part+Two&attribute=St%61tus&empty=&bare&type=Other&bad=%zz%4";
     EXPECT_EQ(tovhttp::queryParameter(query, "type"), "Part Two");

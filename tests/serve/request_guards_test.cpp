@@ -120,6 +120,50 @@ TEST(RequestGuards, TheTokenIsAskedWhenSet) {
         withHeaders({{"Authorization", "Bearer t0ken"}, {"Authorization", "Bearer t0ken"}})));
 }
 
+TEST(RequestGuards, ATokenHeaderIsAskedWhenSet) {
+    const RequestGuards open((GuardPolicy()));
+    EXPECT_EQ(open.checkTokenHeader(withHeaders({}), "X-Token"), std::nullopt);
+
+    const RequestGuards guarded = loopbackGuards({}, "t0ken");
+    for (const char* name : {"X-Token", "x-token", "X-TOKEN"}) {
+        EXPECT_EQ(guarded.checkTokenHeader(withHeaders({{name, "t0ken"}}), "X-Token"),
+                  std::nullopt);
+    }
+    EXPECT_EQ(guarded.checkTokenHeader(withHeaders({{"X-Token", " t0ken "}}), "X-Token"),
+              std::nullopt);
+    const std::vector<std::vector<tovhttp::HttpHeader>> refused = {
+        {},
+        {{"X-Token", ""}},
+        {{"X-Token", "t0ke"}},
+        {{"X-Token", "t0kenn"}},
+        {{"X-Token", "T0KEN"}},
+        {{"Authorization", "Bearer t0ken"}},
+        {{"Cookie", "X-Token=t0ken"}},
+        {{"X-Token", "t0ken"}, {"X-Token", "t0ken"}},
+    };
+    for (const std::vector<tovhttp::HttpHeader>& headers : refused) {
+        const std::optional<HttpResponse> refusal =
+            guarded.checkTokenHeader(withHeaders(headers), "X-Token");
+        ASSERT_TRUE(refusal) << headers.size();
+        EXPECT_EQ(refusal->status, 403);
+        EXPECT_EQ(refusal->body,
+                  "{\"error\":\"this server asks for its token, which the address that it "
+                  "printed at its start carries: open that address\"}\n");
+    }
+}
+
+TEST(RequestGuards, RandomTokensAreHexOfTheirLengthAndDiffer) {
+    std::string error;
+    const std::string first = tovhttp::randomToken(16, error);
+    const std::string second = tovhttp::randomToken(16, error);
+    EXPECT_EQ(error, "");
+    EXPECT_EQ(first.size(), 32U);
+    EXPECT_EQ(first.find_first_not_of("0123456789abcdef"), std::string::npos);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(tovhttp::randomToken(0, error), "");
+    EXPECT_EQ(tovhttp::randomToken(1000, error).size(), 2000U);
+}
+
 TEST(RequestGuards, ConstantTimeEquality) {
     EXPECT_TRUE(tovhttp::constantTimeEquals("secret", "secret"));
     EXPECT_FALSE(tovhttp::constantTimeEquals("secret", "secreT"));

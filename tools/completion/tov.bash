@@ -6,7 +6,7 @@ _tov() {
     previous=${COMP_WORDS[COMP_CWORD-1]}
     command=${COMP_WORDS[1]}
 
-    local commands="check explain eval batch test graph serve"
+    local commands="check explain eval batch test graph serve workbench"
     if [[ $COMP_CWORD -eq 1 ]]; then
         COMPREPLY=($(compgen -W "$commands --help --version" -- "$current"))
         return
@@ -25,7 +25,7 @@ _tov() {
             COMPREPLY=($(compgen -W "off console" -- "$current") $(compgen -d -- "$current"))
             return
             ;;
-        --rules | --dm)
+        --rules | --dm | --suite)
             COMPREPLY=($(compgen -f -X '!*.json' -- "$current") $(compgen -d -- "$current"))
             return
             ;;
@@ -34,7 +34,11 @@ _tov() {
             return
             ;;
         --listen)
-            COMPREPLY=($(compgen -W "127.0.0.1:8480 0.0.0.0:8480 [::1]:8480" -- "$current"))
+            if [[ $command == workbench ]]; then
+                COMPREPLY=($(compgen -W "127.0.0.1:0 127.0.0.1:8490 [::1]:0" -- "$current"))
+            else
+                COMPREPLY=($(compgen -W "127.0.0.1:8480 0.0.0.0:8480 [::1]:8480" -- "$current"))
+            fi
             return
             ;;
         --jobs | -j | --max-input-size | --type | --attribute | --threads | --max-body-size | \
@@ -56,6 +60,8 @@ _tov() {
         serve) options="--rules --dm --listen --threads --watch --token-file --allow-host
             --decision-log --grace --max-body-size --max-header-size --max-connections
             --read-timeout --write-timeout --idle-timeout $common" ;;
+        workbench) options="--rules --dm --suite --listen --open --write --no-token --allow-host
+            --max-body-size $common" ;;
     esac
     if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$current"))

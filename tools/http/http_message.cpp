@@ -113,6 +113,15 @@ HttpResponse jsonResponse(int status, std::string body) {
     return response;
 }
 
+void setBrowserHeaders(HttpResponse& response, std::string_view contentSecurityPolicy) {
+    response.setHeader("X-Content-Type-Options", "nosniff");
+    response.setHeader("Referrer-Policy", "no-referrer");
+    response.setHeader("X-Frame-Options", "DENY");
+    if (!contentSecurityPolicy.empty()) {
+        response.setHeader("Content-Security-Policy", std::string(contentSecurityPolicy));
+    }
+}
+
 std::optional<std::string> queryParameter(std::string_view query, std::string_view name) {
     std::size_t start = 0;
     while (start <= query.size()) {

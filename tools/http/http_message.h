@@ -4,6 +4,7 @@
 #ifndef TOV_TOOLS_HTTP_HTTP_MESSAGE_H_
 #define TOV_TOOLS_HTTP_HTTP_MESSAGE_H_
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -54,6 +55,13 @@ HttpResponse errorResponse(int status, std::string_view message);
 // `status` with a JSON body as given; a line end is added when it lacks one,
 // so that answers read well in a terminal.
 HttpResponse jsonResponse(int status, std::string body);
+
+// What a browser is told with every answer of a server that serves pages:
+// never to guess a type other than the one given (X-Content-Type-Options),
+// never to tell a page's address to what it links to (Referrer-Policy),
+// never to show it inside another site's frame (X-Frame-Options); and, when
+// given, the Content-Security-Policy that says what a page may load and run.
+void setBrowserHeaders(HttpResponse& response, std::string_view contentSecurityPolicy);
 
 // The value of the query parameter `name` ("+" and %XX decoded), or nothing
 // when the query lacks it. The first occurrence counts.

@@ -1,8 +1,12 @@
 #include "request_guards.h"
 
+#include <sys/random.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 namespace tovhttp {
@@ -122,6 +126,21 @@ std::optional<HttpResponse> RequestGuards::checkToken(const HttpRequest& request
     return refusal;
 }
 
+std::optional<HttpResponse> RequestGuards::checkTokenHeader(const HttpRequest& request,
+                                                            std::string_view name) const {
+    if (policy.token.empty()) {
+        return std::nullopt;
+    }
+    const std::string* given = request.header(name);
+    if (given != nullptr && countHeaders(request, name) == 1 &&
+        constantTimeEquals(policy.token, trimmed(*given))) {
+        return std::nullopt;
+    }
+    return errorResponse(403,
+                         "this server asks for its token, which the address that it "
+                         "printed at its start carries: open that address");
+}
+
 std::optional<HttpResponse> checkContentType(const HttpRequest& request,
                                              const std::vector<std::string_view>& accepted) {
     const std::string* contentType = request.header("Content-Type");
@@ -143,6 +162,30 @@ std::optional<HttpResponse> checkContentType(const HttpRequest& request,
         415, "Content-Type must be " + std::string(accepted.size() == 1 ? "" : "one of ") + names +
                  (contentType == nullptr ? " (none was given)"
                                          : ", not \"" + printableExcerpt(*contentType) + "\""));
+}
+
+std::string randomToken(std::size_t bytes, std::string& error) {
+    std::vector<unsigned char> random(bytes);
+    std::size_t filled = 0;
+    while (filled < bytes) {
+        const ssize_t got = ::getrandom(random.data() + filled, bytes - filled, 0);
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            error = std::string("cannot draw a random token: ") + std::strerror(errno);
+            return {};
+        }
+        filled += static_cast<std::size_t>(got);
+    }
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string token;
+    token.reserve(bytes * 2);
+    for (const unsigned char byte : random) {
+        token.push_back(kDigits[byte >> 4]);
+        token.push_back(kDigits[byte & 0x0F]);
+    }
+    return token;
 }
 
 bool constantTimeEquals(std::string_view secret, std::string_view given) {

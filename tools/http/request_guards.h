@@ -8,6 +8,7 @@
 #ifndef TOV_TOOLS_HTTP_REQUEST_GUARDS_H_
 #define TOV_TOOLS_HTTP_REQUEST_GUARDS_H_
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +44,14 @@ public:
     // time).
     std::optional<HttpResponse> checkToken(const HttpRequest& request) const;
 
+    // 403 when a token is asked and the request does not carry exactly one
+    // header `name` with it (compared in constant time). For a page whose
+    // own script sends the token: a page of another site can make a browser
+    // send neither the header nor, without the server's consent, any
+    // request that carries it.
+    std::optional<HttpResponse> checkTokenHeader(const HttpRequest& request,
+                                                 std::string_view name) const;
+
     bool asksToken() const { return !policy.token.empty(); }
 
 private:
@@ -56,6 +65,11 @@ private:
 // a web page can send a body without a type across sites.
 std::optional<HttpResponse> checkContentType(const HttpRequest& request,
                                              const std::vector<std::string_view>& accepted);
+
+// A secret of `bytes` random bytes from the operating system's random source
+// (getrandom), written as lower-case hex. Empty, with the reason in `error`,
+// when the source cannot give them.
+std::string randomToken(std::size_t bytes, std::string& error);
 
 // Equality whose time depends on the length of `secret` only, not on where
 // `given` first differs, so that a caller cannot find the token byte by byte.
