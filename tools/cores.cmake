@@ -32,6 +32,7 @@ if(NOT TARGET tov_program_core)
   add_library(tov_check_core STATIC
     ${tov_tools}/session.cpp
     ${tov_tools}/documents.cpp
+    ${tov_tools}/rule_load_faults.cpp
     ${tov_tools}/strict_checks.cpp
     ${tov_tools}/document_check.cpp
     ${tov_tools}/test_suite.cpp

@@ -6,11 +6,13 @@
 #include <array>
 #include <cstring>
 #include <iostream>
+#include <optional>
 #include <utility>
 
 #include "api/log_setting.h"
 #include "json/json_types.h"
 #include "json_files.h"
+#include "rule_load_faults.h"
 #include "tov/TOVResponse.h"
 #include "tov/document_faults.h"
 #include "tov/entry_points.h"
@@ -214,11 +216,24 @@ bool findingsOfLoad(const Document& document, const TOVResponse& response,
                                                      faults.front() == kInsufficientInputData);
         std::vector<std::string> sections = unusable ? std::vector<std::string>(faults.size())
                                                      : sectionsOfFaults(document, faults.size());
+        RuleLoadFaults refused(document, maxInputSize);
+        std::string section;  // of the fault being told, whose pieces may follow
         for (std::size_t i = 0; i < faults.size(); ++i) {
+            if (!sections[i].empty()) {
+                section = sections[i];
+            }
             findings.push_back(
                 {Finding::kFault, document.path, std::move(sections[i]), {}, std::move(faults[i])});
             if (unusable) {
                 explainUnusableText(document, maxInputSize, findings);
+            }
+            // The library's words stay whole; the note follows a fault's last piece.
+            const bool lastPiece = i + 1 == faults.size() || !sections[i + 1].empty();
+            if (lastPiece && !section.empty()) {
+                if (std::optional<Finding> note = refused.noteFor(section)) {
+                    findings.push_back(std::move(*note));
+                }
+                section.clear();
             }
         }
     }

@@ -182,6 +182,8 @@ class TestCommand(ProgramTest):
         self.assertEqual(result.stderr,
                          "bad.json: Transition rule for Part demands ALL keywords: "
                          "[attribute,fromValue,toValue]\n"
+                         'bad.json:1:27: note: transitions: Part #1: has no "attribute", and a '
+                         'transition rule needs "attribute", "fromValue" and "toValue"\n'
                          "tov: the documents of suite suite.json do not load\n")
 
     def test_the_example_scenario_passes(self):
@@ -530,12 +532,18 @@ class JsonFormat(ProgramTest):
         self.write_json("bad.json", {"transitions": {"Part": [{}]}, "manualLinks": {"A": {}}})
         result = self.tov("check", "--rules", "bad.json", "--format", "json")
         self.assertEqual(result.returncode, 1)
-        self.assertEqual(json.loads(result.stdout), {"documents": [], "notes": [], "warnings": [], "faults": [
+        self.assertEqual(json.loads(result.stdout), {"documents": [], "warnings": [], "faults": [
             {"document": "bad.json", "section": "transitions",
              "message": "Transition rule for Part demands ALL keywords: "
                         "[attribute,fromValue,toValue]"},
             {"document": "bad.json", "section": "manualLinks",
-             "message": "Manual Link rules for A should be in a List."}]})
+             "message": "Manual Link rules for A should be in a List."}], "notes": [
+            {"document": "bad.json", "section": "transitions",
+             "message": 'transitions: Part #1: has no "attribute", and a transition rule needs '
+                        '"attribute", "fromValue" and "toValue"', "line": 1, "column": 27},
+            {"document": "bad.json", "section": "manualLinks",
+             "message": "manualLinks: the rules of A are a JSON object, not a list",
+             "line": 1, "column": 54}]})
         result = self.tov("check", "--rules", "broken.json", "--format", "json")
         self.assertEqual(json.loads(result.stdout)["faults"], [
             {"document": "broken.json", "section": None,

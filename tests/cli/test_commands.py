@@ -316,7 +316,10 @@ class CheckCommand(ProgramTest):
             "dm.json: Succesfully initialized DM info",
             "bad.json: Transition rule for Part demands ALL keywords: "
             "[attribute,fromValue,toValue]",
+            'bad.json:1:27: note: transitions: Part #1: has no "toValue", and a transition rule '
+            'needs "attribute", "fromValue" and "toValue"',
             "bad.json: Manual Link rules for Part should be in a List.",
+            "bad.json:1:96: note: manualLinks: the rules of Part are a JSON string, not a list",
         ])
 
     def test_a_faulty_data_model(self):
@@ -533,7 +536,11 @@ class ExplainCommand(ProgramTest):
         self.assertEqual(result.stdout, "")
         self.assertEqual(result.stderr, "bad.json: Triggers rule for Part demands ALL "
                                         "keywords: [attribute,initializationValue,"
-                                        "triggerInitialize]\n")
+                                        "triggerInitialize]\n"
+                                        'bad.json:1:24: note: triggers: Part #1: has no '
+                                        '"triggerInitialize", and a trigger rule needs '
+                                        '"attribute", "triggerInitialize" and '
+                                        '"initializationValue"\n')
 
     def test_a_data_model_that_does_not_load(self):
         self.write("bad-dm.json", "{")
@@ -828,7 +835,10 @@ class BatchCommand(ProgramTest):
         self.assertEqual(result.returncode, 2)
         self.assertEqual(result.stdout, "")
         self.assertEqual(result.stderr, "bad.json: Transition rule for Part demands ALL "
-                                        "keywords: [attribute,fromValue,toValue]\n")
+                                        "keywords: [attribute,fromValue,toValue]\n"
+                                        'bad.json:1:27: note: transitions: Part #1: has no '
+                                        '"fromValue", and a transition rule needs "attribute", '
+                                        '"fromValue" and "toValue"\n')
 
     def test_both_documents_are_required(self):
         result = self.tov("batch", "--rules", "rules.json", stdin="")

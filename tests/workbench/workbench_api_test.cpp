@@ -176,7 +176,7 @@ TEST_F(WorkbenchApiTest, CheckTellsTheFaultsOfDocumentsThatDoNotLoad) {
     EXPECT_EQ((*json)["documents"].Size(), 0U);
     EXPECT_EQ((*json)["objectTypes"].Size(), 0U);
     const auto& findings = (*json)["findings"];
-    ASSERT_EQ(findings.Size(), 3U);
+    ASSERT_EQ(findings.Size(), 4U);
     EXPECT_STREQ(findings[0]["document"].GetString(), "datamodel");
     EXPECT_STREQ(findings[0]["severity"].GetString(), "fault");
     EXPECT_STREQ(findings[0]["message"].GetString(), "Json has fundamental parsing error");
@@ -190,6 +190,14 @@ TEST_F(WorkbenchApiTest, CheckTellsTheFaultsOfDocumentsThatDoNotLoad) {
     EXPECT_STREQ(findings[2]["section"].GetString(), "transitions");
     EXPECT_EQ(findings[2]["line"].GetUint64(), 2U);
     EXPECT_EQ(findings[2]["column"].GetUint64(), 3U);
+    // The program's note points at the rule that the library refused.
+    EXPECT_STREQ(findings[3]["severity"].GetString(), "note");
+    EXPECT_STREQ(findings[3]["section"].GetString(), "transitions");
+    EXPECT_STREQ(findings[3]["message"].GetString(),
+                 "transitions: Part #1: has no \"fromValue\", and a transition rule needs "
+                 "\"attribute\", \"fromValue\" and \"toValue\"");
+    EXPECT_EQ(findings[3]["line"].GetUint64(), 3U);
+    EXPECT_EQ(findings[3]["column"].GetUint64(), 15U);
 }
 
 TEST_F(WorkbenchApiTest, ExplainTellsTheRulesInWords) {
