@@ -17,6 +17,7 @@ if(NOT TARGET tov_program_core)
     ${tov_tools}/judging_order.cpp
     ${tov_tools}/lifecycle_graph.cpp
     ${tov_tools}/placed_json.cpp
+    ${tov_tools}/request_names.cpp
     ${tov_tools}/request_kinds.cpp
     ${tov_tools}/rules_in_words.cpp
   )

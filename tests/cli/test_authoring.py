@@ -61,7 +61,13 @@ class TestCommand(ProgramTest):
                          'FAIL skip review (suite.json): Result: expected "Success", got '
                          '"Failure"; TriggerInitialization: expected "{Approver:pending}", '
                          "got nothing\n"
+                         '  expected: {"Result":"Success","TriggerInitialization":'
+                         '"{Approver:pending}"}\n'
+                         '  actual:   {"Result":"Failure","ResultComment":"Transition violation '
+                         'detected: For Part: Status can transition from \\"In Work\\" to '
+                         '\\"In Work\\", \\"In Review\\""}\n'
                          "1 passed, 1 failed\n")
+        self.assertEqual(result.stderr, "")
 
     def test_verbose_tells_passing_cases_too(self):
         result = self.run_suite(suite_with(PASSING, FAILING), "-v")
@@ -78,6 +84,10 @@ class TestCommand(ProgramTest):
             'FAIL review exactly (suite.json): ResultComment: expected nothing, got '
             '"File constraint violation detected: For Part: When Status transitions from '
             '\\"In Work\\" to \\"In Review\\" we MUST upload a new representation file"',
+            '  expected: {"Result":"Failure"}',
+            '  actual:   {"Result":"Failure","ResultComment":"File constraint violation '
+            'detected: For Part: When Status transitions from \\"In Work\\" to \\"In Review\\" '
+            'we MUST upload a new representation file"}',
             "1 passed, 1 failed",
         ])
 
@@ -110,8 +120,15 @@ class TestCommand(ProgramTest):
         self.assertEqual(result.returncode, 1)
         self.assertEqual(json.loads(result.stdout), {
             "passed": 1, "failed": 1, "cases": [
-                {"suite": "suite.json", "name": "retitle", "passed": True, "mismatches": []},
-                {"suite": "suite.json", "name": "skip review", "passed": False, "mismatches": [
+                {"suite": "suite.json", "name": "retitle", "passed": True,
+                 "expected": {"Result": "Success"},
+                 "actual": {"Result": "Success", "ResultComment": "Edit attempt approved"},
+                 "warnings": [], "mismatches": []},
+                {"suite": "suite.json", "name": "skip review", "passed": False,
+                 "expected": {"Result": "Success", "TriggerInitialization": "{Approver:pending}"},
+                 "actual": {"Result": "Failure", "ResultComment": json.loads(
+                     TRANSITION_REFUSED)["ResultComment"]},
+                 "warnings": [], "mismatches": [
                     {"keyword": "Result", "expected": "Success", "actual": "Failure"},
                     {"keyword": "TriggerInitialization", "expected": "{Approver:pending}",
                      "actual": None}]},
@@ -131,10 +148,73 @@ class TestCommand(ProgramTest):
                          '&quot;{Approver:pending}&quot;, got nothing">Result: expected '
                          '&quot;Success&quot;, got &quot;Failure&quot;&#10;'
                          'TriggerInitialization: expected &quot;{Approver:pending}&quot;, got '
-                         'nothing&#10;</failure>\n'
+                         'nothing&#10;expected: {&quot;Result&quot;:&quot;Success&quot;,'
+                         '&quot;TriggerInitialization&quot;:&quot;{Approver:pending}&quot;}&#10;'
+                         'actual: {&quot;Result&quot;:&quot;Failure&quot;,&quot;ResultComment'
+                         '&quot;:&quot;Transition violation detected: For Part: Status can '
+                         'transition from \\&quot;In Work\\&quot; to \\&quot;In Work\\&quot;, '
+                         '\\&quot;In Review\\&quot;&quot;}&#10;</failure>\n'
                          '    </testcase>\n'
                          '  </testsuite>\n'
                          '</testsuites>\n')
+
+    def test_a_keyword_that_no_answer_holds_makes_the_suite_unreadable(self):
+        misspelt = dict(PASSING, expect={"Reslt": "Success"})
+        result = self.run_suite(suite_with(misspelt))
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertEqual(result.stderr,
+                         'tov: suite suite.json: case 1 (retitle): "expect" names "Reslt", which '
+                         'no answer holds; did you mean "Result"?\n')
+        unknown = dict(PASSING, expect={"Verdict": "Success"})
+        result = self.run_suite(suite_with(unknown))
+        self.assertEqual(result.stderr,
+                         'tov: suite suite.json: case 1 (retitle): "expect" names "Verdict", '
+                         'which no answer holds; an answer holds "Result", "ResultComment", '
+                         '"ObjectFamilyMembers", "ManualLinkAncestors", '
+                         '"SelectedVersioningAttribute", "ForcedOverwrite", "ForcedSpinup" or '
+                         '"TriggerInitialization"\n')
+
+    def test_names_the_data_model_does_not_describe_are_warned_of(self):
+        typo = {"name": "typo", "kind": "edit",
+                "request": base.edit(dict(base.IN_WORK, Titel="Bracket"), {"Stauts": "Released"}),
+                "expect": {"Result": "Success"}}
+        other = {"name": "other type", "kind": "edit",
+                 "request": dict(RETITLE, objectType="Prat"), "expect": {"Result": "Success"}}
+        result = self.run_suite(suite_with(PASSING, typo, other))
+        # The library approves all three: only the warnings tell.
+        self.assertEqual((result.returncode, result.stdout), (0, "3 passed, 0 failed\n"))
+        self.assertEqual(result.stderr.splitlines(), [
+            'tov: warning: typo (suite.json): the request\'s attribute "Titel" is none that the '
+            'data model describes for Part; did you mean "Title"?',
+            'tov: warning: typo (suite.json): the request\'s attribute "Stauts" is none that the '
+            'data model describes for Part; did you mean "Status"?',
+            'tov: warning: other type (suite.json): the request\'s object type "Prat" is none '
+            'that the data model describes; did you mean "Part"?',
+        ])
+        strict = self.run_suite(suite_with(PASSING, typo, other), "--strict")
+        self.assertEqual((strict.returncode, strict.stdout), (1, "3 passed, 0 failed\n"))
+        self.assertEqual(strict.stderr, result.stderr.replace("tov: warning: ", "tov: error: "))
+        report = json.loads(self.run_suite(suite_with(PASSING, other), "--format",
+                                           "json").stdout)
+        self.assertEqual([case["warnings"] for case in report["cases"]], [
+            [], ['the request\'s object type "Prat" is none that the data model describes; '
+                 'did you mean "Part"?']])
+        # A request that names only what the data model describes is told nothing.
+        clean = self.run_suite(suite_with(PASSING), "--strict")
+        self.assertEqual((clean.returncode, clean.stderr), (0, ""))
+
+    def test_eval_warns_of_the_same_names_and_answers_as_before(self):
+        self.write_json("typo.json", base.edit(base.IN_WORK, {"Stauts": "Released"}))
+        result = self.tov("eval", "edit", *self.documents(), "typo.json")
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout, APPROVED_EDIT + "\n")
+        self.assertEqual(result.stderr,
+                         'tov: warning: the request\'s attribute "Stauts" is none that the data '
+                         'model describes for Part; did you mean "Status"?\n'
+                         "Success! Edit attempt approved\n")
+        self.write_json("retitle.json", RETITLE)
+        result = self.tov("eval", "edit", *self.documents(), "retitle.json")
+        self.assertEqual(result.stderr, "Success! Edit attempt approved\n")
 
     def test_suites_that_cannot_be_read(self):
         self.write("broken.json", '{"rules": ')

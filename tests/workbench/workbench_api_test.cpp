@@ -408,15 +408,29 @@ TEST_F(WorkbenchApiTest, AFailingCaseTellsTheDifference) {
     const std::string suite =
         "{\"cases\": [{\"name\": \"retitle\", \"kind\": \"edit\", \"request\": {\"objectType\": "
         "\"Part\", \"initialAttributes\": {\"Status\": \"In Work\"}, \"targetAttributes\": "
-        "{\"Title\": \"Clamp\"}}, \"expect\": {\"Result\": \"Failure\", \"Extra\": \"x\"}, "
-        "\"exact\": true}]}";
+        "{\"Title\": \"Clamp\"}}, \"expect\": {\"Result\": \"Failure\", \"ForcedSpinup\": "
+        "\"x\"}, \"exact\": true}]}";
     const HttpResponse answer = api.test(withExamples({{"suite", suite}}));
     EXPECT_EQ(answer.body,
               "{\"cases\":[{\"name\":\"retitle\",\"kind\":\"edit\",\"passed\":false,"
-              "\"mismatches\":[{\"keyword\":\"Extra\",\"expected\":\"x\",\"actual\":null},"
+              "\"expected\":{\"ForcedSpinup\":\"x\",\"Result\":\"Failure\"},\"actual\":{"
+              "\"Result\":\"Success\",\"ResultComment\":\"Edit attempt approved\"},"
+              "\"warnings\":[\"the request's attribute \\\"Title\\\" is none that the data model "
+              "describes for Part\"],"
+              "\"mismatches\":[{\"keyword\":\"ForcedSpinup\",\"expected\":\"x\",\"actual\":null},"
               "{\"keyword\":\"Result\",\"expected\":\"Failure\",\"actual\":\"Success\"},"
               "{\"keyword\":\"ResultComment\",\"expected\":null,\"actual\":\"Edit attempt "
               "approved\"}]}],\"passed\":0,\"failed\":1}\n");
+}
+
+TEST_F(WorkbenchApiTest, AKeywordThatNoAnswerHoldsIsRefused) {
+    const std::string suite =
+        "{\"cases\": [{\"name\": \"one\", \"kind\": \"edit\", \"request\": {}, \"expect\": "
+        "{\"Reslt\": \"Failure\"}}]}";
+    const HttpResponse answer = api.test(withExamples({{"suite", suite}}));
+    EXPECT_EQ(answer.status, 422);
+    EXPECT_EQ(answer.body, errorBody("suite the suite: case 1 (one): \"expect\" names \"Reslt\", "
+                                     "which no answer holds; did you mean \"Result\"?"));
 }
 
 TEST_F(WorkbenchApiTest, ASuiteNamesNoFileToRead) {

@@ -507,20 +507,30 @@ HttpResponse WorkbenchApi::test(const std::string& body) const {
     writer.Key("cases");
     writer.StartArray();
     for (const tovcli::TestCase& testCase : suite.cases) {
-        const TOVResponse response =
-            testCase.kind->evaluate(testCase.request, documents.core().get());
-        const std::vector<tovcli::Mismatch> mismatches =
-            tovcli::compareAnswer(testCase, tovcli::answerAsPrinted(response));
-        failed += mismatches.empty() ? 0 : 1;
+        const tovcli::CaseOutcome outcome =
+            tovcli::runCase(testCase, documents.core().get(), documents.core().dataModel());
+        failed += outcome.mismatches.empty() ? 0 : 1;
         writer.StartObject();
         writer.Key("name");
         writeString(writer, testCase.name);
         writer.Key("kind");
         writer.String(testCase.kind->name);
         writer.Key("passed");
-        writer.Bool(mismatches.empty());
+        writer.Bool(outcome.mismatches.empty());
+        writer.Key("expected");
+        const std::string expected = tovcli::keywordsAsJson(testCase.expect);
+        writer.RawValue(expected.c_str(), expected.size(), rapidjson::kObjectType);
+        writer.Key("actual");
+        const std::string actual = tovcli::keywordsAsJson(outcome.answer);
+        writer.RawValue(actual.c_str(), actual.size(), rapidjson::kObjectType);
+        writer.Key("warnings");
+        writer.StartArray();
+        for (const std::string& warning : outcome.warnings) {
+            writeString(writer, warning);
+        }
+        writer.EndArray();
         writer.Key("mismatches");
-        writeMismatches(writer, mismatches);
+        writeMismatches(writer, outcome.mismatches);
         writer.EndObject();
     }
     writer.EndArray();

@@ -41,7 +41,9 @@ public:
     // with the decision trace (which rules judged it, in judging order) and
     // where each of those rules stands in the rules text.
     tovhttp::HttpResponse evaluate(const std::string& body) const;
-    // POST /api/test {"rules", "datamodel", "suite"}: every case's outcome.
+    // POST /api/test {"rules", "datamodel", "suite"}: every case's outcome,
+    // as tov test --format json tells it: both answers whole, the difference
+    // and the names of the request that the data model does not describe.
     tovhttp::HttpResponse test(const std::string& body) const;
     // POST /api/save {"rules", "datamodel"}: both documents saved to the
     // paths given at the start, once both load; only with --write.

@@ -497,6 +497,14 @@
       for (const mismatch of testCase.mismatches) {
         item.append(element("div", "difference", differenceInWords(mismatch)));
       }
+      if (!testCase.passed) {
+        // Both answers whole, as tov test prints them: the comment tells why.
+        item.append(element("div", "answer", "expected: " + JSON.stringify(testCase.expected)));
+        item.append(element("div", "answer", "actual: " + JSON.stringify(testCase.actual)));
+      }
+      for (const warning of testCase.warnings) {
+        item.append(element("div", "warning", "warning: " + warning));
+      }
       list.append(item);
     }
     container.append(list);
