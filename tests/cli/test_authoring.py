@@ -546,6 +546,178 @@ class StrictCheck(ProgramTest):
         self.assertIn("repeats Part #2", result.stdout)
 
 
+def transition(source, targets):
+    return {"attribute": "Status", "fromValue": source, "toValue": targets}
+
+
+# Each finding of check, with a document (as it is written, indented) that
+# triggers it and the line told, and the same document put right, which
+# checks clean.
+FINDINGS = {
+    "a section named twice": (
+        '{\n'
+        '  "transitions": {"Part": [{"attribute": "Status", "fromValue": "In Work", '
+        '"toValue": ["In Review"]}]},\n'
+        '  "transitions": {"Part": [{"attribute": "Status", "fromValue": "In Review", '
+        '"toValue": ["Released"]}]}\n'
+        '}\n',
+        'doc.json:3:3: warning: transitions: "transitions" is named a second time (first at '
+        '2:3); the library reads only the first and ignores this section without a word: '
+        'merge the two',
+        '{\n'
+        '  "transitions": {"Part": [{"attribute": "Status", "fromValue": "In Work", '
+        '"toValue": ["In Review"]},\n'
+        '                           {"attribute": "Status", "fromValue": "In Review", '
+        '"toValue": ["Released"]}]}\n'
+        '}\n'),
+    "a member named twice": (
+        '{\n'
+        '  "transitions": {"Part": [\n'
+        '    {"attribute": "Status", "fromValue": "In Work", "fromValue": "In Review", '
+        '"toValue": ["Released"]}\n'
+        '  ]}\n'
+        '}\n',
+        'doc.json:3:53: warning: transitions: Part #1 (explain 1): "fromValue" is named a '
+        'second time in one object (first at 3:29); a JSON object names each member once, and '
+        'which of the two counts is not told: keep one',
+        '{\n'
+        '  "transitions": {"Part": [\n'
+        '    {"attribute": "Status", "fromValue": "In Review", "toValue": ["Released"]}\n'
+        '  ]}\n'
+        '}\n'),
+    "two transition rules from one value": (
+        {"transitions": {"Part": [transition("Draft", ["In Review"]),
+                                  transition("Draft", ["Approved"])]}},
+        'doc.json:11:7: warning: transitions: Part #2 (explain 2): Status from "Draft" has a '
+        'rule already, Part #1 (explain 1), and every rule that applies must hold, so "Draft" '
+        'may move only to what all of them list: none; write the targets of "Draft" in one '
+        'rule',
+        {"transitions": {"Part": [transition("Draft", ["In Review", "Approved"])]}}),
+    "<any> as a transition's from value": (
+        {"transitions": {"Part": [transition("Draft", ["In Review"]),
+                                  transition("<any>", ["Obsolete"])]}},
+        'doc.json:13:22: warning: transitions: Part #2 (explain 2): fromValue "<any>" holds on '
+        'every value of Status, beside the rules for each value, and all rules that apply must '
+        'hold: every value may move only to "Obsolete"; write a rule for each value instead',
+        {"transitions": {"Part": [transition("Draft", ["In Review", "Obsolete"]),
+                                  transition("In Review", ["Obsolete"])]}}),
+    "a value that no transition rule names": (
+        {"transitions": {"Part": [transition("In Review", ["Approved"])]},
+         "fileConstraints": {"Part": [{"attribute": "Status", "fromValue": "In Review",
+                                       "toValue": "Aproved", "updateFile": "MANDATORY"}]}},
+        'doc.json:18:20: warning: fileConstraints: Part #1 (explain 1): toValue "Aproved" is '
+        'no value of Status that a transition rule names (In Review, Approved); did you mean '
+        '"Approved"?',
+        {"transitions": {"Part": [transition("In Review", ["Approved"])]},
+         "fileConstraints": {"Part": [{"attribute": "Status", "fromValue": "In Review",
+                                       "toValue": "Approved", "updateFile": "MANDATORY"}]}}),
+    "a value in another case where values compare exactly": (
+        {"transitions": {"Part": [transition("In Review", ["Approved"])]},
+         "historyLinks": {"Part": [{"attribute": "Status", "fromValue": "<any>",
+                                    "toValue": "Approved",
+                                    "acceptableHistoryLinkValues": ["approved"]}]}},
+        'doc.json:20:11: warning: historyLinks: Part #1 (explain 1): acceptableHistoryLinkValues '
+        '"approved" differs only in case from "Approved", which the transition rules name, and '
+        'this member is compared exactly, case included: write "Approved"',
+        {"transitions": {"Part": [transition("In Review", ["Approved"])]},
+         "historyLinks": {"Part": [{"attribute": "Status", "fromValue": "<any>",
+                                    "toValue": "Approved",
+                                    "acceptableHistoryLinkValues": ["Approved"]}]}}),
+    "a target in another case": (
+        {"transitions": {"Part": [transition("In Review", ["Approved"]),
+                                  transition("Approved", ["Obsolete"]),
+                                  transition("Obsolete", ["obsolete"])]}},
+        'doc.json:22:11: warning: transitions: Part #3 (explain 3): toValue "obsolete" differs '
+        'only in case from "Obsolete", which Part #2 (explain 2) names first, and targets are '
+        'compared exactly, case included: write "Obsolete"',
+        {"transitions": {"Part": [transition("In Review", ["Approved"]),
+                                  transition("Approved", ["Obsolete"]),
+                                  transition("Obsolete", ["Obsolete"])]}}),
+    "a member that no judgement reads": (
+        {"transitions": {"Part": [{"attribute": "Status", "fromValue": "In Work",
+                                   "toValues": ["In Review"], "toValue": ["In Review"]}]}},
+        'doc.json:7:9: warning: transitions: Part #1 (explain 1): "toValues" is no member of a '
+        'transition rule and is ignored; did you mean "toValue"?',
+        {"transitions": {"Part": [transition("In Work", ["In Review"])]}}),
+    "a link rule's from value": (
+        {"transitions": {"Part": [transition("In Review", ["Released"])]},
+         "manualLinks": {"Part": [{"attribute": "Status", "fromValue": "In Review",
+                                   "toValue": "Released",
+                                   "acceptableManualLinkValues": ["Released"]}]}},
+        'doc.json:17:22: warning: manualLinks: Part #1 (explain 1): fromValue "In Review" is '
+        'ignored: the rule holds whenever an edit changes Status to "Released", whatever it was '
+        'before; write "<any>"',
+        {"transitions": {"Part": [transition("In Review", ["Released"])]},
+         "manualLinks": {"Part": [{"attribute": "Status", "fromValue": "<any>",
+                                   "toValue": "Released",
+                                   "acceptableManualLinkValues": ["Released"]}]}}),
+}
+
+# Each rule that keeps a document from loading: the library's fault, the
+# program's note after it, and the rule put right.
+LOAD_FAULTS = {
+    "a member missing": (
+        {"transitions": {"Part": [transition("In Work", ["In Review"]),
+                                  {"attribute": "Status", "fromValue": "In Review"}]}},
+        ["doc.json: Transition rule for Part demands ALL keywords: "
+         "[attribute,fromValue,toValue]",
+         'doc.json:11:7: note: transitions: Part #2: has no "toValue", and a transition rule '
+         'needs "attribute", "fromValue" and "toValue"'],
+        {"transitions": {"Part": [transition("In Work", ["In Review"]),
+                                  transition("In Review", ["Released"])]}}),
+    "a member of the wrong type": (
+        {"transitions": {"Part": [transition("In Work", "In Review")]}},
+        ["doc.json: Transition rule value for toValue of Part should be a string.",
+         'doc.json:7:20: note: transitions: Part #1: "toValue" is a JSON string, not a list of '
+         'strings: write ["In Review"]'],
+        {"transitions": {"Part": [transition("In Work", ["In Review"])]}}),
+}
+
+
+class EachFinding(ProgramTest):
+    def check(self, document, *extra):
+        text = document if isinstance(document, str) else json.dumps(document, indent=2) + "\n"
+        self.write("doc.json", text)
+        return self.tov("check", "--rules", "doc.json", "--dm", "dm.json", *extra)
+
+    def test_each_finding_at_its_place_and_not_once_put_right(self):
+        loaded = ["dm.json: Succesfully initialized DM info",
+                  "doc.json: Successfully initialized TOV rules"]
+        for name, (document, line, right) in FINDINGS.items():
+            with self.subTest(finding=name):
+                result = self.check(document)
+                self.assertEqual((result.returncode, result.stdout.splitlines()),
+                                 (0, loaded + [line]))
+                strict = self.check(document, "--strict")
+                self.assertEqual((strict.returncode, strict.stdout.splitlines()),
+                                 (1, loaded + [line.replace(": warning: ", ": error: ", 1)]))
+                clean = self.check(right, "--strict")
+                self.assertEqual((clean.returncode, clean.stdout.splitlines()), (0, loaded))
+
+    def test_a_member_named_twice_in_the_data_model(self):
+        text = json.dumps(base.DATA_MODEL, indent=2) + "\n"
+        self.write("twice-dm.json", text.replace(
+            '"dmObjectType": "DMITEM",', '"dmObjectType": "DMITEM",\n      "name": "Parts",', 1))
+        self.write_json("doc.json", {"transitions": {"Part": [transition("A", ["B"])]}})
+        result = self.tov("check", "--rules", "doc.json", "--dm", "twice-dm.json")
+        self.assertEqual(result.stdout.splitlines()[-1],
+                         'twice-dm.json:7:7: warning: structureObjects: "name" is named a second '
+                         'time in one object (first at 5:7); a JSON object names each member '
+                         'once, and which of the two counts is not told: keep one')
+        self.write("once-dm.json", text)
+        result = self.tov("check", "--strict", "--rules", "doc.json", "--dm", "once-dm.json")
+        self.assertEqual(result.returncode, 0, result.stdout)
+
+    def test_each_rule_that_does_not_load_is_pointed_at(self):
+        for name, (document, lines, right) in LOAD_FAULTS.items():
+            with self.subTest(fault=name):
+                result = self.check(document)
+                self.assertEqual((result.returncode, result.stdout.splitlines()),
+                                 (1, ["dm.json: Succesfully initialized DM info"] + lines))
+                clean = self.check(right, "--strict")
+                self.assertEqual(clean.returncode, 0, clean.stdout)
+
+
 class JsonFormat(ProgramTest):
     def test_eval(self):
         self.write_json("request.json", RETITLE)
