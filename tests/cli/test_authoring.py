@@ -718,6 +718,17 @@ class EachFinding(ProgramTest):
                 self.assertEqual(clean.returncode, 0, clean.stdout)
 
 
+class JudgingOrder(ProgramTest):
+    def test_the_readme_states_the_order_as_explain_help_does(self):
+        help_text = self.tov("explain", "--help").stdout
+        start = help_text.index("The order of judgement.")
+        paragraph = help_text[start:help_text.index("\nWith --format json", start)]
+        chain = " ".join(paragraph.split()).replace("The order of judgement. ", "", 1)
+        with open(os.path.join(SOURCE, "README.md"), encoding="utf-8") as f:
+            readme = " ".join(f.read().split())
+        self.assertIn(chain, readme)
+
+
 class JsonFormat(ProgramTest):
     def test_eval(self):
         self.write_json("request.json", RETITLE)
