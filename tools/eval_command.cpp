@@ -127,6 +127,7 @@ Command addEvalCommand(CLI::App& program) {
             "is none that the data model describes\" (or attribute) for each name of the "
             "request that the data model does not describe, which the library judges without "
             "a word.",
+            // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over four lines.
             "With --format json the answer is one object with real types instead: "
             "\"result\" (true or false), \"comment\", \"keywords\" (every keyword with its "
             "text), and decoded \"options\" (a list), \"initialize\" (attribute to value) and "

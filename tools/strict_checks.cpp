@@ -110,6 +110,7 @@ std::string listInWords(const std::vector<std::string>& words) {
 
 std::string quotedList(const std::vector<std::string>& words) {
     std::vector<std::string> quotedWords;
+    quotedWords.reserve(words.size());
     for (const std::string& word : words) {
         quotedWords.push_back(quoted(word));
     }

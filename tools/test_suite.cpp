@@ -86,9 +86,15 @@ bool readCase(const tovjson::Value& value, std::size_t number, const std::string
             // A misspelt keyword would only ever read "got nothing".
             const std::string nearest =
                 nearestWord(name, known, std::max<std::size_t>(2, name.size() / 3));
-            error = named + ": \"expect\" names \"" + name + "\", which no answer holds; " +
-                    (nearest.empty() ? "an answer holds " + keywordsInWords()
-                                     : "did you mean \"" + nearest + "\"?");
+            error = named;
+            error.append(R"(: "expect" names ")")
+                .append(name)
+                .append(R"(", which no answer holds; )");
+            if (nearest.empty()) {
+                error.append("an answer holds ").append(keywordsInWords());
+            } else {
+                error.append(R"(did you mean ")").append(nearest).append("\"?");
+            }
             return false;
         }
         if (!keyword.value.IsString()) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -64,7 +65,7 @@ public:
             text += std::string(text.size() > 1 ? "," : "") + "\"" + key + "\":{";
             const std::size_t types = pick(3);
             for (std::size_t t = 0; t < types; ++t) {
-                const std::string type = kTypes[pick(kTypes.size())];
+                const std::string& type = kTypes[pick(kTypes.size())];
                 text += std::string(t > 0 ? "," : "") + quoted(type) + ":[";
                 const std::size_t rules = 1 + pick(4);
                 for (std::size_t r = 0; r < rules; ++r) {
@@ -100,7 +101,7 @@ public:
         });
         section("conflictResolutions", [&](const std::string& type, std::vector<Named>& names) {
             const std::string attribute = anAttribute();
-            const char* const files[] = {"YES", "NO", "N_A"};
+            const std::array<const char*, 3> files = {"YES", "NO", "N_A"};
             return member("attribute", attribute) + "," +
                    member("fromValue", aValue(type, attribute, names)) + "," +
                    member("toValue", aValue(type, attribute, names)) + "," +
@@ -149,7 +150,7 @@ private:
 
     std::string aValue(const std::string& type, const std::string& attribute,
                        std::vector<Named>& named) {
-        const std::string value = kValues[pick(kValues.size())];
+        const std::string& value = kValues[pick(kValues.size())];
         named.push_back({type, attribute, value});
         return value;
     }
@@ -233,7 +234,9 @@ protected:
                                                [&](const tovcli::LifecycleEdge& drawn) {
                                                    return drawn.from == from && drawn.to == to;
                                                });
-                const std::string move = type + " " + attribute + " " + from + " -> " + to;
+                std::string move = type;
+                move.append(" ").append(attribute).append(" ").append(from).append(" -> ").append(
+                    to);
                 const bool approved = passes(asEdit) || passes(asSave);
                 ASSERT_EQ(edge != graph.edges.end(), approved) << move << "\n"
                                                                << asText(asEdit) << "\n"
