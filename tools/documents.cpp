@@ -256,9 +256,13 @@ bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
         StdoutCapture capture;
         const TOVResponse response = initializeFromDocument(document, core);
         const std::string printed = capture.finish();
+        // A document that did not load is read again for its faults, and the
+        // library prints the same notices again, which were told already.
+        StdoutCapture again;
         if (!findingsOfLoad(document, response, printed, maxInputSize, findings)) {
             allLoaded = false;
         }
+        again.finish();
     }
     return allLoaded;
 }

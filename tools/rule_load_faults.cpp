@@ -203,6 +203,16 @@ std::string describeFault(TOVRuleKind kind, const std::string& objectType,
     return {};
 }
 
+// Whether the member of a rule of `kind` is read for a notice only.
+bool isPrintedOnly(TOVRuleKind kind, const std::string& name) {
+    for (const MemberRule& member : kShapes[static_cast<std::size_t>(kind)].members) {
+        if (name == member.name) {
+            return member.shape == Shape::kAnything;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 const RuleShape& ruleShapeOf(TOVRuleKind kind) {
@@ -276,7 +286,9 @@ std::optional<Finding> RuleLoadFaults::noteFor(const std::string& section) {
                     rule, where + ": the rule is a JSON " + jsonTypeName(rule) + ", not an object");
             }
             // The library judges the rule alone, so that the note never blames
-            // a rule it would take.
+            // a rule it would take. Members read only for a notice are left
+            // out, so that nothing is printed: a server may be answering on
+            // other threads meanwhile.
             tovjson::StringBuffer alone;
             JsonWriter writer(alone);
             writer.StartObject();
@@ -284,16 +296,21 @@ std::optional<Finding> RuleLoadFaults::noteFor(const std::string& section) {
             writer.StartObject();
             writeString(writer, objectType);
             writer.StartArray();
-            writeValue(writer, rule);
+            writer.StartObject();
+            for (const auto& member : rule.GetObject()) {
+                if (!isPrintedOnly(kind->kind, textOf(member.name))) {
+                    writeString(writer, textOf(member.name));
+                    writeValue(writer, member.value);
+                }
+            }
+            writer.EndObject();
             writer.EndArray();
             writer.EndObject();
             writer.EndObject();
-            StdoutCapture quiet;  // its notices were told with the load
             const bool refused =
                 !InitializeTOVRules(std::string(alone.GetString(), alone.GetSize()),
                                     parsed->scratch.get())
                      .getGeneralResult();
-            quiet.finish();
             if (!refused) {
                 continue;
             }

@@ -708,6 +708,22 @@ class EachFinding(ProgramTest):
         result = self.tov("check", "--strict", "--rules", "doc.json", "--dm", "once-dm.json")
         self.assertEqual(result.returncode, 0, result.stdout)
 
+    def test_notices_are_told_once_when_a_document_does_not_load(self):
+        result = self.check(
+            '{"transitions": {"Part": [\n'
+            '  {"attribute": "Status", "fromValue": "A", "toValue": ["B"], "allowJumps": true},\n'
+            '  {"attribute": "Status", "fromValue": "B", "allowReverse": true}\n'
+            ']}}\n')
+        self.assertEqual((result.returncode, result.stdout.splitlines()), (1, [
+            "dm.json: Succesfully initialized DM info",
+            "doc.json: Transition rule for Part demands ALL keywords: "
+            "[attribute,fromValue,toValue]",
+            'doc.json:3:3: note: transitions: Part #2: has no "toValue", and a transition rule '
+            'needs "attribute", "fromValue" and "toValue"',
+            "doc.json: note: We do not support the allowJumps keyword in the Transition Rule.",
+            "doc.json: note: We do not support the allowReverse keyword in the Transition Rule.",
+        ]))
+
     def test_each_rule_that_does_not_load_is_pointed_at(self):
         for name, (document, lines, right) in LOAD_FAULTS.items():
             with self.subTest(fault=name):
