@@ -128,12 +128,14 @@ std::string neededInWords(const RuleShape& shape) {
 
 // What is wrong with one member's value, or empty.
 std::string memberFault(TOVRuleKind kind, const MemberRule& member, const tovjson::Value& value) {
+    if (member.shape == Shape::kAnything) {
+        return {};
+    }
     const std::string name = quoted(member.name);
     const bool fits = (member.shape == Shape::kBoolean && value.IsBool()) ||
                       (isList(member.shape) && value.IsArray()) ||
                       ((member.shape == Shape::kText || member.shape == Shape::kNonEmptyText) &&
-                       value.IsString()) ||
-                      member.shape == Shape::kAnything;
+                       value.IsString());
     if (!fits) {
         std::string words =
             name + " is a JSON " + jsonTypeName(value) + ", not " + shapeInWords(member.shape);

@@ -130,6 +130,11 @@ TEST(RuleShapes, NameTheMemberAndWhatItShouldBe) {
                       R"({"attribute": "S", "fromValue": "A", "toValue": "B", "updatesFile": "NO",)"
                       R"( "conflictResolution": "spinup", "hasDifferentPrimaries": "yes"})"),
               R"("hasDifferentPrimaries" is a JSON string, not true or false)");
+    // Read for a notice only, whatever it holds.
+    EXPECT_EQ(
+        faultOf(TOVRuleKind_Transition,
+                R"({"attribute": "S", "fromValue": "A", "toValue": ["B"], "allowJumps": [1]})"),
+        "");
     tovjson::Document json;
     json.Parse(R"({"attribute": "S", "fromValue": "A", "toValue": ["B"]})");
     EXPECT_EQ(tovcli::shapeFaultOf(TOVRuleKind_Transition, "", json),
