@@ -423,6 +423,29 @@ TEST_F(WorkbenchApiTest, AFailingCaseTellsTheDifference) {
               "approved\"}]}],\"passed\":0,\"failed\":1}\n");
 }
 
+TEST_F(WorkbenchApiTest, AnAnswerTellsTheNamesThatTheDataModelDoesNotDescribe) {
+    const auto answer =
+        parsed(api.evaluate(withExamples({{"kind", "edit"},
+                                          {"request",
+                                           "{\"objectType\": \"Part\", \"initialAttributes\": "
+                                           "{\"Status\": \"In Work\"}, \"targetAttributes\": "
+                                           "{\"Stauts\": \"Released\"}}"}}))
+                   .body);
+    EXPECT_STREQ((*answer)["verdict"].GetString(), "approved");
+    ASSERT_EQ((*answer)["warnings"].Size(), 1U);
+    EXPECT_STREQ((*answer)["warnings"][0].GetString(),
+                 "the request's attribute \"Stauts\" is none that the data model describes for "
+                 "Part; did you mean \"Status\"?");
+    const auto clean =
+        parsed(api.evaluate(withExamples({{"kind", "edit"},
+                                          {"request",
+                                           "{\"objectType\": \"Part\", \"initialAttributes\": "
+                                           "{\"Status\": \"In Work\"}, \"targetAttributes\": "
+                                           "{\"Owner\": \"design\"}}"}}))
+                   .body);
+    EXPECT_EQ((*clean)["warnings"].Size(), 0U);
+}
+
 TEST_F(WorkbenchApiTest, AKeywordThatNoAnswerHoldsIsRefused) {
     const std::string suite =
         "{\"cases\": [{\"name\": \"one\", \"kind\": \"edit\", \"request\": {}, \"expect\": "

@@ -14,6 +14,7 @@
 #include "json_output.h"
 #include "lifecycle_graph.h"
 #include "request_kinds.h"
+#include "request_names.h"
 #include "rules_in_words.h"
 #include "section_places.h"
 #include "test_suite.h"
@@ -480,6 +481,13 @@ HttpResponse WorkbenchApi::evaluate(const std::string& body) const {
     writer.RawValue(steps.c_str(), steps.size(), rapidjson::kArrayType);
     writer.Key("tracePlaces");
     writeTracePlaces(writer, trace.steps(), texts.rules);
+    writer.Key("warnings");
+    writer.StartArray();
+    for (const std::string& warning :
+         tovcli::unknownNamesInRequest(request, documents.core().dataModel())) {
+        writeString(writer, warning);
+    }
+    writer.EndArray();
     writer.EndObject();
     return jsonAnswer(buffer);
 }
