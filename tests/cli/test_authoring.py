@@ -174,6 +174,16 @@ class TestCommand(ProgramTest):
                          '"SelectedVersioningAttribute", "ForcedOverwrite", "ForcedSpinup" or '
                          '"TriggerInitialization"\n')
 
+    def test_the_suite_schema_admits_the_keywords_that_tov_test_does(self):
+        result = self.run_suite(suite_with(dict(PASSING, expect={"Verdict": "Success"})))
+        told = result.stderr.rstrip("\n").split("an answer holds ", 1)[1]
+        admitted = json.loads(told.replace(" or ", ", ").join("[]"))
+        with open(os.path.join(SOURCE, "schemas", "test-suite.schema.json"),
+                  encoding="utf-8") as f:
+            schema = json.load(f)
+        expect = schema["$defs"]["case"]["properties"]["expect"]
+        self.assertEqual(expect["propertyNames"]["enum"], admitted)
+
     def test_names_the_data_model_does_not_describe_are_warned_of(self):
         typo = {"name": "typo", "kind": "edit",
                 "request": base.edit(dict(base.IN_WORK, Titel="Bracket"), {"Stauts": "Released"}),
