@@ -14,7 +14,10 @@ if(NOT TARGET tov_program_core)
     ${tov_tools}/input_files.cpp
     ${tov_tools}/json_files.cpp
     ${tov_tools}/json_output.cpp
+    ${tov_tools}/judging_order.cpp
     ${tov_tools}/lifecycle_graph.cpp
+    ${tov_tools}/placed_json.cpp
+    ${tov_tools}/request_names.cpp
     ${tov_tools}/request_kinds.cpp
     ${tov_tools}/rules_in_words.cpp
   )
@@ -30,6 +33,7 @@ if(NOT TARGET tov_program_core)
   add_library(tov_check_core STATIC
     ${tov_tools}/session.cpp
     ${tov_tools}/documents.cpp
+    ${tov_tools}/rule_load_faults.cpp
     ${tov_tools}/strict_checks.cpp
     ${tov_tools}/document_check.cpp
     ${tov_tools}/test_suite.cpp

@@ -59,8 +59,8 @@ void noteUnknownObjectTypes(const DocumentPaths& paths, PrivateCore& core,
 
 }  // namespace
 
-bool checkDocuments(const std::vector<Document>& documents, std::uint64_t maxInputSize, bool strict,
-                    PrivateCore& core, std::vector<Finding>& findings) {
+bool loadAndNote(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                 PrivateCore& core, std::vector<Finding>& findings) {
     const bool allLoaded = loadDocuments(documents, core, maxInputSize, findings);
     if (allLoaded) {
         DocumentPaths paths;
@@ -71,9 +71,15 @@ bool checkDocuments(const std::vector<Document>& documents, std::uint64_t maxInp
         }
         noteEmptyStores(paths, core, findings);
         noteUnknownObjectTypes(paths, core, findings);
-        if (strict) {
-            checkStrictly(documents, maxInputSize, core.dataModel(), findings);
-        }
+    }
+    return allLoaded;
+}
+
+bool checkDocuments(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                    bool lookForMistakes, PrivateCore& core, std::vector<Finding>& findings) {
+    const bool allLoaded = loadAndNote(documents, maxInputSize, core, findings);
+    if (allLoaded && lookForMistakes) {
+        findLikelyMistakes(documents, maxInputSize, core.dataModel(), findings);
     }
     return allLoaded;
 }

@@ -14,10 +14,16 @@ namespace tovcli {
 
 // Loads `documents` into `core` (the data model first) and tells each
 // outcome and fault; when all loaded, notes a document that holds nothing and
-// rules for object types the data model does not describe, and with `strict`
-// everything the strict checks find. True when every document loaded.
-bool checkDocuments(const std::vector<Document>& documents, std::uint64_t maxInputSize, bool strict,
-                    PrivateCore& core, std::vector<Finding>& findings);
+// rules for object types the data model does not describe. True when every
+// document loaded.
+bool loadAndNote(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                 PrivateCore& core, std::vector<Finding>& findings);
+
+// loadAndNote, then, when all loaded and `lookForMistakes`, the warnings of
+// findLikelyMistakes (strict_checks.h) over the same documents: what tov check
+// tells. True when every document loaded.
+bool checkDocuments(const std::vector<Document>& documents, std::uint64_t maxInputSize,
+                    bool lookForMistakes, PrivateCore& core, std::vector<Finding>& findings);
 
 }  // namespace tovcli
 

@@ -6,11 +6,13 @@
 #include <array>
 #include <cstring>
 #include <iostream>
+#include <optional>
 #include <utility>
 
 #include "api/log_setting.h"
 #include "json/json_types.h"
 #include "json_files.h"
+#include "rule_load_faults.h"
 #include "tov/TOVResponse.h"
 #include "tov/document_faults.h"
 #include "tov/entry_points.h"
@@ -144,8 +146,10 @@ void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out
         out << ":" << finding.location;
     }
     out << ": ";
-    if (finding.severity == Finding::kNote) {
-        out << (notesAreFaults ? "error: " : "note: ");
+    if (finding.severity == Finding::kNote || finding.severity == Finding::kWarning) {
+        out << (notesAreFaults                          ? "error: "
+                : finding.severity == Finding::kWarning ? "warning: "
+                                                        : "note: ");
     }
     out << finding.message << "\n";
 }
@@ -212,11 +216,24 @@ bool findingsOfLoad(const Document& document, const TOVResponse& response,
                                                      faults.front() == kInsufficientInputData);
         std::vector<std::string> sections = unusable ? std::vector<std::string>(faults.size())
                                                      : sectionsOfFaults(document, faults.size());
+        RuleLoadFaults refused(document, maxInputSize);
+        std::string section;  // of the fault being told, whose pieces may follow
         for (std::size_t i = 0; i < faults.size(); ++i) {
+            if (!sections[i].empty()) {
+                section = sections[i];
+            }
             findings.push_back(
                 {Finding::kFault, document.path, std::move(sections[i]), {}, std::move(faults[i])});
             if (unusable) {
                 explainUnusableText(document, maxInputSize, findings);
+            }
+            // The library's words stay whole; the note follows a fault's last piece.
+            const bool lastPiece = i + 1 == faults.size() || !sections[i + 1].empty();
+            if (lastPiece && !section.empty()) {
+                if (std::optional<Finding> note = refused.noteFor(section)) {
+                    findings.push_back(std::move(*note));
+                }
+                section.clear();
             }
         }
     }
@@ -239,9 +256,13 @@ bool loadDocuments(const std::vector<Document>& documents, PrivateCore& core,
         StdoutCapture capture;
         const TOVResponse response = initializeFromDocument(document, core);
         const std::string printed = capture.finish();
+        // A document that did not load is read again for its faults, and the
+        // library prints the same notices again, which were told already.
+        StdoutCapture again;
         if (!findingsOfLoad(document, response, printed, maxInputSize, findings)) {
             allLoaded = false;
         }
+        again.finish();
     }
     return allLoaded;
 }

@@ -35,9 +35,10 @@ struct DocumentPaths {
     std::uint64_t maxInputSize = kDefaultMaxInputSize;
 };
 
-// One thing to tell about a document: its outcome, a fault or a note.
+// One thing to tell about a document: its outcome, a fault, a note, or a
+// warning of a likely mistake in a document that loads.
 struct Finding {
-    enum Severity { kLoaded, kFault, kNote };
+    enum Severity { kLoaded, kFault, kNote, kWarning };
     Severity severity;
     std::string document;
     std::string section;   // the document's section it concerns, or empty
@@ -45,8 +46,8 @@ struct Finding {
     std::string message;
 };
 
-// "PATH: message", "PATH: note: message" or "PATH:LINE:COLUMN: note: message";
-// `notesAreFaults` turns the "note:" into "error:".
+// "PATH: message", "PATH: note: message", "PATH:LINE:COLUMN: warning: message"
+// and so on; `notesAreFaults` turns "note:" and "warning:" into "error:".
 void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out);
 
 // The start of every command that loads documents: where the log goes, and

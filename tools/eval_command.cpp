@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "request_kinds.h"
+#include "request_names.h"
 #include "tov/TOVDecisionTrace.h"
 #include "tov/rule_kinds.h"
 
@@ -73,6 +74,10 @@ int runEval(const EvalOptions& options) {
     if (!loadDocuments(documents, core, options.documents.maxInputSize, false, std::cerr)) {
         return kExitUsageOrInput;
     }
+    // A misspelt name is judged without a word; the answer stays the library's.
+    for (const std::string& warning : unknownNamesInRequest(request, core.dataModel())) {
+        std::cerr << "tov: warning: " << warning << "\n";
+    }
     TOVDecisionTrace trace;
     core.get()->setDecisionObserver(options.trace ? &trace : nullptr);
     const TOVResponse response = kind.evaluate(request, core.get());
@@ -118,7 +123,11 @@ Command addEvalCommand(CLI::App& program) {
             "Output: the response's single-string form, one JSON object of strings such as "
             "{\"Result\":\"Success\",\"ResultComment\":\"Edit attempt approved\"}, on "
             "standard output; its info message (\"Success! ...\" or \"Failure! ...\") on "
-            "standard error.",
+            "standard error, after a line \"tov: warning: the request's object type \"X\" "
+            "is none that the data model describes\" (or attribute) for each name of the "
+            "request that the data model does not describe, which the library judges without "
+            "a word.",
+            // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over four lines.
             "With --format json the answer is one object with real types instead: "
             "\"result\" (true or false), \"comment\", \"keywords\" (every keyword with its "
             "text), and decoded \"options\" (a list), \"initialize\" (attribute to value) and "

@@ -1,5 +1,5 @@
-// tov explain: every loaded rule in words, grouped by kind, in the order in
-// which the rules are judged.
+// tov explain: every loaded rule in words, grouped by kind in the order in
+// which the kinds are judged, each numbered by its place in the document.
 #include <cctype>
 #include <iostream>
 #include <memory>
@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "commands.h"
+#include "judging_order.h"
 #include "rules_in_words.h"
+#include "tov/rule_kinds.h"
 
 namespace tovcli {
 
@@ -24,9 +26,8 @@ void printText(const RuleGroups& groups, const std::optional<std::vector<std::st
         heading[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(heading[0])));
         out << (first ? "" : "\n") << heading << " (" << group.second.size() << "):\n";
         first = false;
-        int number = 0;
-        for (const std::string& sentence : group.second) {
-            out << "  " << ++number << ". " << sentence << "\n";
+        for (const RuleInWords& rule : group.second) {
+            out << "  " << rule.number << ". " << rule.sentence << "\n";
         }
     }
     if (first) {
@@ -74,22 +75,31 @@ Command addExplainCommand(CLI::App& program) {
     addLogOption(*command, options->log);
     addFormatOption(*command, options->format);
     std::string kindsInWords;
-    for (const std::string& label : labelsInStoreOrder()) {
-        kindsInWords += (kindsInWords.empty() ? "" : ", ") + label;
+    for (const TOVRuleKind kind : ruleKindsInJudgingOrder()) {
+        kindsInWords +=
+            (kindsInWords.empty() ? "" : ", ") + std::string(GetTOVRuleKinds()[kind].label);
     }
     command->footer(helpText({
         "Output (standard output): one group per kind that has rules, in the order in which "
         "the kinds are judged (" +
             kindsInWords +
-            "), each rule numbered in the store's order, which decides which rule a refusal "
-            "names. \"<any>\" "
-            "stands for every object type (\"ALL\" in the document). With --dm the data model "
-            "is loaded too, so that its faults are told, and a last line tells which RLI object "
-            "types Library_Item stands for, when rules are written for it.",
+            "; versioning selections serve options queries and the proper versioning "
+            "attribute of a trigger). Within a group the rules stand in the order in which "
+            "the library asks them, which decides the rule that a refusal names; each is "
+            "numbered by its place in its section of the document, from 1, counted across "
+            "the section's object types in the order of the document: the number that check "
+            "gives as \"(explain N)\" and that the decision trace gives. \"<any>\" stands for "
+            "every object type (\"ALL\" in the document). With --dm the data model is loaded "
+            "too, so that its faults are told, and a last line tells which RLI object types "
+            "Library_Item stands for, when rules are written for it.",
+        "The order of judgement. An edit or save attempt: " + stepsInWords(editJudgingSteps()) +
+            ". The first step that objects ends the attempt. A manual link creation: " +
+            stepsInWords(linkCreationJudgingSteps()) +
+            ". A conflict resolution options query: " + stepsInWords(optionsJudgingSteps()) + ".",
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over three lines.
         "With --format json: one object, {\"kinds\": [{\"kind\": ..., \"rules\": [sentence, "
-        "...]}, ...]}, and \"libraryItem\" (a list of object types) when that last line "
-        "would be told.",
+        "...], \"numbers\": [number, ...]}, ...]}, and \"libraryItem\" (a list of object "
+        "types) when that last line would be told.",
         "Standard error: the faults of a document that does not load, as check tells them.",
         // One sentence over two lines, not two items.
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma)

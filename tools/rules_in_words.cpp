@@ -5,6 +5,7 @@
 #include <set>
 
 #include "json_output.h"
+#include "judging_order.h"
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVTrigger.h"
 #include "tov/TOV_DMStructure.h"
@@ -15,33 +16,37 @@
 
 namespace tovcli {
 
-std::vector<std::string> labelsInStoreOrder() {
-    std::vector<std::string> labels;
-    for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
-        labels.emplace_back(kind.label);
-    }
-    return labels;
-}
-
 RuleGroups groupRulesInWords(const TOVLifecycleBusinessRules& rules) {
-    std::map<std::string, std::vector<std::string>> byKind;
-    std::vector<std::string> kinds = labelsInStoreOrder();
-    for (const auto& entry : rules.expressRulesInWords()) {
-        if (byKind.count(entry.first) == 0 &&
-            std::find(kinds.begin(), kinds.end(), entry.first) == kinds.end()) {
-            kinds.push_back(entry.first);  // a kind this program does not know yet
+    // The store's words come kind by kind, each kind's rules in the order in
+    // which they are asked; the place of each in its kind tells its number.
+    std::map<std::string, std::vector<RuleInWords>> byKind;
+    const auto numberOf = [&rules](TOVRuleKind kind, std::size_t index) {
+        return rules.documentPositionOfRule(kind, index) + 1;
+    };
+    const auto kindLabelled = [](const std::string& label) {
+        for (const TOVRuleKindWords& kind : GetTOVRuleKinds()) {
+            if (label == kind.label) {
+                return kind.kind;
+            }
         }
-        byKind[entry.first].push_back(entry.second);
+        return TOVRuleKind_Trigger;  // never: every label is a kind's
+    };
+    for (const auto& entry : rules.expressRulesInWords()) {
+        std::vector<RuleInWords>& group = byKind[entry.first];
+        group.push_back({numberOf(kindLabelled(entry.first), group.size()), entry.second});
     }
+    const std::string triggers = GetTOVRuleKinds()[TOVRuleKind_Trigger].label;
     for (const TOVTriggerDescription& trigger : rules.describeTriggerRules()) {
-        byKind[GetTOVRuleKinds()[TOVRuleKind_Trigger].label].push_back(
-            expressTriggerInWords(trigger));
+        std::vector<RuleInWords>& group = byKind[triggers];
+        group.push_back(
+            {numberOf(TOVRuleKind_Trigger, group.size()), expressTriggerInWords(trigger)});
     }
     RuleGroups groups;
-    for (const std::string& kind : kinds) {
-        auto sentences = byKind.find(kind);
-        if (sentences != byKind.end()) {
-            groups.emplace_back(kind, std::move(sentences->second));
+    for (const TOVRuleKind kind : ruleKindsInJudgingOrder()) {
+        const std::string label = GetTOVRuleKinds()[kind].label;
+        auto group = byKind.find(label);
+        if (group != byKind.end()) {
+            groups.emplace_back(label, std::move(group->second));
         }
     }
     return groups;
@@ -78,8 +83,14 @@ std::string rulesInWordsJson(const RuleGroups& groups,
         writeString(writer, group.first);
         writer.Key("rules");
         writer.StartArray();
-        for (const std::string& sentence : group.second) {
-            writeString(writer, sentence);
+        for (const RuleInWords& rule : group.second) {
+            writeString(writer, rule.sentence);
+        }
+        writer.EndArray();
+        writer.Key("numbers");
+        writer.StartArray();
+        for (const RuleInWords& rule : group.second) {
+            writer.Uint64(rule.number);
         }
         writer.EndArray();
         writer.EndObject();

@@ -153,6 +153,7 @@ bool loadAtStart(tovserve::DecisionService& service, const std::vector<Document>
     for (Document document : documents) {
         const bool rules = document.kind == Document::kRules;
         document.size = rules ? texts.rules.size() : texts.dataModel.size();
+        document.text = rules ? &texts.rules : &texts.dataModel;  // as loaded
         // The library prints its notices while it reads rules.
         findingsOfLoad(document, rules ? load.rules : load.dataModel, rules ? printed : "",
                        maxInputSize, findings);

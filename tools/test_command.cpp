@@ -31,12 +31,13 @@ struct TestOptions {
     std::uint64_t maxInputSize = kDefaultMaxInputSize;
     bool coverage = false;
     double coverageMin = 0;  // percent; 0 asks nothing
+    bool strict = false;     // names the data model does not describe are errors
 };
 
 struct CaseResult {
     const TestSuite* suite;
     const TestCase* testCase;
-    std::vector<Mismatch> mismatches;
+    CaseOutcome outcome;
 };
 
 // Which rules of one rules document the cases exercised: consulted, and
@@ -205,8 +206,11 @@ void printText(const std::vector<CaseResult>& results, bool verbose, std::size_t
                std::ostream& out) {
     for (const CaseResult& result : results) {
         const std::string label = result.testCase->name + " (" + result.suite->path + ")";
-        if (!result.mismatches.empty()) {
-            out << "FAIL " << label << ": " << mismatchesInWords(result.mismatches) << "\n";
+        if (!result.outcome.mismatches.empty()) {
+            // The difference first, then both answers whole, the comment among them.
+            out << "FAIL " << label << ": " << mismatchesInWords(result.outcome.mismatches) << "\n"
+                << "  expected: " << keywordsAsJson(result.testCase->expect) << "\n"
+                << "  actual:   " << keywordsAsJson(result.outcome.answer) << "\n";
         } else if (verbose) {
             out << "PASS " << label << "\n";
         }
@@ -240,10 +244,22 @@ void printJson(const std::vector<CaseResult>& results, std::size_t failed,
         writer.Key("name");
         writeString(writer, result.testCase->name);
         writer.Key("passed");
-        writer.Bool(result.mismatches.empty());
+        writer.Bool(result.outcome.mismatches.empty());
+        writer.Key("expected");
+        const std::string expected = keywordsAsJson(result.testCase->expect);
+        writer.RawValue(expected.c_str(), expected.size(), rapidjson::kObjectType);
+        writer.Key("actual");
+        const std::string actual = keywordsAsJson(result.outcome.answer);
+        writer.RawValue(actual.c_str(), actual.size(), rapidjson::kObjectType);
+        writer.Key("warnings");
+        writer.StartArray();
+        for (const std::string& warning : result.outcome.warnings) {
+            writeString(writer, warning);
+        }
+        writer.EndArray();
         writer.Key("mismatches");
         writer.StartArray();
-        for (const Mismatch& mismatch : result.mismatches) {
+        for (const Mismatch& mismatch : result.outcome.mismatches) {
             writer.StartObject();
             writer.Key("keyword");
             writeString(writer, mismatch.keyword);
@@ -306,7 +322,7 @@ void printJunit(const std::vector<TestSuite>& suites, const std::vector<CaseResu
         for (const CaseResult& result : results) {
             if (result.suite == &suite) {
                 ++tests;
-                failures += result.mismatches.empty() ? 0 : 1;
+                failures += result.outcome.mismatches.empty() ? 0 : 1;
             }
         }
         const std::string name = xmlEscaped(suite.path);
@@ -318,15 +334,17 @@ void printJunit(const std::vector<TestSuite>& suites, const std::vector<CaseResu
             }
             out << "    <testcase classname=\"" << name << "\" name=\""
                 << xmlEscaped(result.testCase->name) << "\"";
-            if (result.mismatches.empty()) {
+            if (result.outcome.mismatches.empty()) {
                 out << "/>\n";
                 continue;
             }
             out << ">\n      <failure message=\""
-                << xmlEscaped(mismatchesInWords(result.mismatches)) << "\">";
-            for (const Mismatch& mismatch : result.mismatches) {
+                << xmlEscaped(mismatchesInWords(result.outcome.mismatches)) << "\">";
+            for (const Mismatch& mismatch : result.outcome.mismatches) {
                 out << xmlEscaped(mismatchInWords(mismatch)) << "&#10;";
             }
+            out << xmlEscaped("expected: " + keywordsAsJson(result.testCase->expect)) << "&#10;"
+                << xmlEscaped("actual: " + keywordsAsJson(result.outcome.answer)) << "&#10;";
             out << "</failure>\n    </testcase>\n";
         }
         out << "  </testsuite>\n";
@@ -353,8 +371,7 @@ bool runSuite(const TestSuite& suite, const TestOptions& options, std::vector<Ca
     for (const TestCase& testCase : suite.cases) {
         TOVDecisionTrace trace;
         core->get()->setDecisionObserver(coverage == nullptr ? nullptr : &trace);
-        const TOVResponse response = testCase.kind->evaluate(testCase.request, core->get());
-        results.push_back({&suite, &testCase, compareAnswer(testCase, answerAsPrinted(response))});
+        results.push_back({&suite, &testCase, runCase(testCase, core->get(), core->dataModel())});
         if (coverage != nullptr) {
             noteExercised(trace.steps(), *coverage);
         }
@@ -385,8 +402,16 @@ int runTests(const TestOptions& options) {
         }
     }
     std::size_t failed = 0;
+    bool warned = false;
     for (const CaseResult& result : results) {
-        failed += result.mismatches.empty() ? 0 : 1;
+        failed += result.outcome.mismatches.empty() ? 0 : 1;
+        // Told apart from the report, which stays as its format has it.
+        for (const std::string& warning : result.outcome.warnings) {
+            std::cerr << "tov: " << (options.strict ? "error: " : "warning: ")
+                      << result.testCase->name << " (" << result.suite->path << "): " << warning
+                      << "\n";
+            warned = true;
+        }
     }
     switch (options.format) {
         case ReportFormat::kJson:
@@ -416,7 +441,8 @@ int runTests(const TestOptions& options) {
                   << percentInWords(percentOf(exercised, total)) << "), below the minimum of "
                   << percentInWords(options.coverageMin) << "\n";
     }
-    return failed == 0 && coveredEnough ? kExitSuccess : kExitFailure;
+    return failed == 0 && coveredEnough && !(options.strict && warned) ? kExitSuccess
+                                                                       : kExitFailure;
 }
 
 }  // namespace
@@ -444,6 +470,9 @@ Command addTestCommand(CLI::App& program) {
                      "--coverage)")
         ->type_name("PERCENT")
         ->check(CLI::Range(0.0, 100.0));
+    command->add_flag("--strict", options->strict,
+                      "Take a request's names that the data model does not describe for errors "
+                      "(exit status 1)");
     addLogOption(*command, options->log);
     addMaxInputSizeOption(*command, options->maxInputSize);
     command->footer(helpText({
@@ -454,12 +483,23 @@ Command addTestCommand(CLI::App& program) {
         "\"ObjectFamilyMembers\": \"MissingData\"}, the texts as eval prints them (every run "
         "of white space one blank). Keywords not named are not looked at, unless \"exact\": "
         "true. KIND is one of " +
-            requestKindNamesInWords() + ", as for eval.",
-        "Output (standard output): one line per failing case, \"FAIL NAME (SUITE): KEYWORD: "
-        "expected TEXT, got TEXT\" (\"nothing\" for an absent keyword), with -v also \"PASS "
-        "NAME (SUITE)\", and last \"N passed, M failed\". --format json gives one object "
-        "{\"passed\", \"failed\", \"cases\": [{\"suite\", \"name\", \"passed\", \"mismatches\": "
-        "[{\"keyword\", \"expected\", \"actual\"}]}]}; --format junit a JUnit XML report.",
+            requestKindNamesInWords() +
+            ", as for eval. A keyword that no answer holds (\"Reslt\") makes the suite "
+            "unreadable.",
+        "Output (standard output): for each failing case, \"FAIL NAME (SUITE): KEYWORD: "
+        "expected TEXT, got TEXT\" (\"nothing\" for an absent keyword), then the whole "
+        "expected keywords and the whole answer, comment included, on lines \"  expected: "
+        "{...}\" and \"  actual:   {...}\"; with -v also \"PASS NAME (SUITE)\", and last \"N "
+        "passed, M failed\". --format json gives one object {\"passed\", \"failed\", "
+        "\"cases\": [{\"suite\", \"name\", \"passed\", \"expected\", \"actual\", \"warnings\", "
+        "\"mismatches\": [{\"keyword\", \"expected\", \"actual\"}]}]}; --format junit a JUnit "
+        "XML report.",
+        "A request that names an object type or attribute that the data model does not "
+        "describe is judged without a word about it, and most often passes for the wrong "
+        "reason: each such name is told on standard error, \"tov: warning: NAME (SUITE): "
+        "the request's attribute \"Stauts\" is none that the data model describes for Part; "
+        "did you mean \"Status\"?\", and under --strict as \"tov: error: ...\" with exit "
+        "status 1.",
         "Coverage (--coverage): a rule counts as exercised when a case consulted it and it "
         "bound the request (it approved, objected or asked for missing data; \"not "
         "applicable\" does not count). After the cases, per rules document: \"Coverage of "
@@ -471,7 +511,8 @@ Command addTestCommand(CLI::App& program) {
         "to standard error.",
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): one paragraph over two lines.
         "Exit status: 0 when every case passed (and, with --coverage-min, enough rules were "
-        "exercised), 1 when one failed or too few were, 2 for a suite that cannot be read, or "
+        "exercised; with --strict, no request named what the data model does not describe), 1 "
+        "when one failed, too few were or one did, 2 for a suite that cannot be read, or "
         "documents that do not load (nothing is told on standard output then).",
         kLogHelp,
         kMaxInputSizeHelp,

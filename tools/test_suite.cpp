@@ -2,12 +2,15 @@
 
 #include <rapidjson/error/en.h>
 
+#include <algorithm>
 #include <cctype>
 #include <filesystem>
 
 #include "input_files.h"
 #include "json_files.h"
 #include "json_output.h"
+#include "request_names.h"
+#include "tov/vocabulary.h"
 
 namespace tovcli {
 
@@ -16,6 +19,15 @@ namespace {
 std::string relativeTo(const std::string& folder, const std::string& path) {
     const std::filesystem::path given(path);
     return given.is_absolute() ? path : (std::filesystem::path(folder) / given).string();
+}
+
+std::string keywordsInWords() {
+    std::string words;
+    const std::vector<std::string>& known = answerKeywords();
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        words += (i == 0 ? "" : i + 1 == known.size() ? " or " : ", ") + ("\"" + known[i] + "\"");
+    }
+    return words;
 }
 
 // Reads case `number` (from 1) into `testCase`; false with the reason in `error`.
@@ -68,6 +80,23 @@ bool readCase(const tovjson::Value& value, std::size_t number, const std::string
         return false;
     }
     for (const auto& keyword : expect->value.GetObject()) {
+        const std::string name(keyword.name.GetString(), keyword.name.GetStringLength());
+        const std::vector<std::string>& known = answerKeywords();
+        if (std::find(known.begin(), known.end(), name) == known.end()) {
+            // A misspelt keyword would only ever read "got nothing".
+            const std::string nearest =
+                nearestWord(name, known, std::max<std::size_t>(2, name.size() / 3));
+            error = named;
+            error.append(R"(: "expect" names ")")
+                .append(name)
+                .append(R"(", which no answer holds; )");
+            if (nearest.empty()) {
+                error.append("an answer holds ").append(keywordsInWords());
+            } else {
+                error.append(R"(did you mean ")").append(nearest).append("\"?");
+            }
+            return false;
+        }
         if (!keyword.value.IsString()) {
             error =
                 named + ": the expected text of \"" + keyword.name.GetString() + "\" is no string";
@@ -145,6 +174,23 @@ bool readTestSuiteText(const std::string& text, const std::string& name, TestSui
     return readCases(*cases, nullptr, text.size(), suite, error);
 }
 
+const std::vector<std::string>& answerKeywords() {
+    static const std::vector<std::string> keywords = [] {
+        // A new answer holds the result and the comment, under the library's own keywords.
+        std::vector<std::string> known;
+        for (const auto& entry : TOVResponse().getStringStringMapResponseWithGeneralResult()) {
+            known.push_back(entry.first);
+        }
+        known.insert(
+            known.end(),
+            {TOVResponseKeyword_ObjectFamilyMembers, TOVResponseKeyword_ManualAncestors,
+             TOVResponseKeyword_SelectedVersioningAttribute, TOVResponseKeyword_ForcedOverwrite,
+             TOVResponseKeyword_ForcedSpinup, TOVResponseKeyword_TriggerInitialization});
+        return known;
+    }();
+    return keywords;
+}
+
 std::map<std::string, std::string> answerAsPrinted(const TOVResponse& response) {
     const auto collapsed = [](const std::string& text) {
         std::string result;
@@ -188,6 +234,27 @@ std::vector<Mismatch> compareAnswer(const TestCase& testCase,
         }
     }
     return mismatches;
+}
+
+std::string keywordsAsJson(const std::map<std::string, std::string>& keywords) {
+    tovjson::StringBuffer buffer;
+    JsonWriter writer(buffer);
+    writer.StartObject();
+    for (const auto& [keyword, text] : keywords) {
+        writeString(writer, keyword);
+        writeString(writer, text);
+    }
+    writer.EndObject();
+    return {buffer.GetString(), buffer.GetSize()};
+}
+
+CaseOutcome runCase(const TestCase& testCase, TOVCoreDataControllers* core,
+                    const TOV_DMStructure& dataModel) {
+    CaseOutcome outcome;
+    outcome.warnings = unknownNamesInRequest(testCase.request, dataModel);
+    outcome.answer = answerAsPrinted(testCase.kind->evaluate(testCase.request, core));
+    outcome.mismatches = compareAnswer(testCase, outcome.answer);
+    return outcome;
 }
 
 }  // namespace tovcli

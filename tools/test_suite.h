@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "request_kinds.h"
+#include "tov/TOVCoreDataControllers.h"
 #include "tov/TOVResponse.h"
+#include "tov/TOV_DMStructure.h"
 
 namespace tovcli {
 
@@ -53,6 +55,10 @@ struct Mismatch {
     std::string actualText;
 };
 
+// Every keyword that an answer may hold: "Result", "ResultComment" and the
+// library's response keywords. A case that expects another is refused.
+const std::vector<std::string>& answerKeywords();
+
 // The keywords of an answer with their texts as `tov eval` prints them: the
 // result as "Result": "Success" or "Failure", and every run of white space in
 // keys and texts one blank, with none at either end.
@@ -62,6 +68,22 @@ std::map<std::string, std::string> answerAsPrinted(const TOVResponse& response);
 // "Result": "Success" or "Failure") and what the case expects.
 std::vector<Mismatch> compareAnswer(const TestCase& testCase,
                                     const std::map<std::string, std::string>& answer);
+
+// Keywords and their texts as one JSON object, in the order of the keywords.
+std::string keywordsAsJson(const std::map<std::string, std::string>& keywords);
+
+// What one case came to: the whole answer as printed, what differs from the
+// expected keywords, and the names of its request that the data model does
+// not describe (request_names.h).
+struct CaseOutcome {
+    std::map<std::string, std::string> answer;
+    std::vector<Mismatch> mismatches;
+    std::vector<std::string> warnings;
+};
+
+// Evaluates the case's request with `core`, whose data model is `dataModel`.
+CaseOutcome runCase(const TestCase& testCase, TOVCoreDataControllers* core,
+                    const TOV_DMStructure& dataModel);
 
 }  // namespace tovcli
 

@@ -42,6 +42,7 @@ RULES = {
             {"attribute": "Status", "fromValue": "In Work", "toValue": ["In Work", "In Review"]},
             {"attribute": "Status", "fromValue": "In Review",
              "toValue": ["In Review", "Released", "In Work"]},
+            {"attribute": "Status", "fromValue": "Released", "toValue": ["Released", "Obsolete"]},
         ]
     },
     "transitionsFreeze": {
@@ -57,7 +58,7 @@ RULES = {
                   "updatesFile": "N_A", "conflictResolution": "spinup"}]
     },
     "historyLinks": {
-        "Part": [{"attribute": "Status", "fromValue": "In Review", "toValue": "Released",
+        "Part": [{"attribute": "Status", "fromValue": "<any>", "toValue": "Released",
                   "acceptableHistoryLinkValues": ["Released", "Obsolete"]}]
     },
     "manualLinks": {
@@ -127,9 +128,8 @@ FREEZE_REFUSED = ('{"Result":"Failure","ResultComment":"Transition freeze violat
 CONFLICT_REFUSED = ('{"Result":"Failure","ResultComment":"Conflict resolution violation '
                     'detected: For Part: When Status transitions from \\"In Review\\" to '
                     '\\"In Work\\" then we MUST spinup"}')
-HISTORY_RULE = ('For Part: When Status transitions from \\"In Review\\" to \\"Released\\" then '
-                'entries in the same object family can have Status equal to one of '
-                ':[Obsolete,Released]')
+HISTORY_RULE = ('For Part: When Status is \\"Released\\" then entries in the same object '
+                'family can have Status equal to one of :[Obsolete,Released]')
 MANUAL_RULE = ('For Part: When Status is \\"Released\\" then its manual link ancestors can have '
                'Status equal to one of :[Released]')
 NEEDS_DATA = ('{"ManualLinkAncestors":"MissingData","ObjectFamilyMembers":"MissingData",'
@@ -316,7 +316,10 @@ class CheckCommand(ProgramTest):
             "dm.json: Succesfully initialized DM info",
             "bad.json: Transition rule for Part demands ALL keywords: "
             "[attribute,fromValue,toValue]",
+            'bad.json:1:27: note: transitions: Part #1: has no "toValue", and a transition rule '
+            'needs "attribute", "fromValue" and "toValue"',
             "bad.json: Manual Link rules for Part should be in a List.",
+            "bad.json:1:96: note: manualLinks: the rules of Part are a JSON string, not a list",
         ])
 
     def test_a_faulty_data_model(self):
@@ -387,10 +390,18 @@ class CheckCommand(ProgramTest):
             "model dm.json",
             "types.json: note: the rules for Prt concern no object type of the data model "
             "dm.json",
+            # ALL stands for every object type, so its rule from "A" applies beside the others.
+            'types.json:1:96: warning: transitions: ALL #1 (explain 2): Status from "A" has a '
+            'rule already, Prt #1 (explain 1), and every rule that applies must hold, so "A" '
+            'may move only to what all of them list: "A"; write the targets of "A" in one rule',
+            'types.json:1:167: warning: transitions: part #1 (explain 3): Status from "A" has a '
+            'rule already, ALL #1 (explain 2), and every rule that applies must hold, so "A" '
+            'may move only to what all of them list: "A"; write the targets of "A" in one rule',
         ])
         without_data_model = self.tov("check", "--rules", "types.json")
-        self.assertEqual(without_data_model.stdout,
-                         "types.json: Successfully initialized TOV rules\n")
+        self.assertEqual(without_data_model.stdout.splitlines()[0],
+                         "types.json: Successfully initialized TOV rules")
+        self.assertNotIn("concern no object type", without_data_model.stdout)
 
     def test_notices_of_the_library_become_notes(self):
         self.write_json("jumps.json", {"transitions": {"Part": [
@@ -431,6 +442,8 @@ class CheckCommand(ProgramTest):
 
 class ExplainCommand(ProgramTest):
     def test_every_kind_in_words_in_the_order_they_are_judged(self):
+        # Groups in the order of the edit chain; within a group the order in
+        # which the rules are asked, each numbered by its place in the document.
         result = self.tov("explain", *self.documents())
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(result.stderr, "")
@@ -438,19 +451,27 @@ class ExplainCommand(ProgramTest):
             "Transition freeze rules (1):",
             '  1. For Part: When Status equals "Released", then Title must remain unchanged.',
             "",
+            "Transition rules (3):",
+            '  1. For Part: Status can transition from "In Work" to "In Work", "In Review"',
+            '  3. For Part: Status can transition from "Released" to "Released", "Obsolete"',
+            '  2. For Part: Status can transition from "In Review" to "In Review", "Released", '
+            '"In Work"',
+            "",
+            "File constraint rules (1):",
+            '  1. For Part: When Status transitions from "In Work" to "In Review" we MUST '
+            "upload a new representation file",
+            "",
+            "Conflict resolution rules (1):",
+            '  1. For Part: When Status transitions from "In Review" to "In Work"  then we MUST '
+            "spinup",
+            "",
             "History link rules (1):",
-            '  1. For Part: When Status transitions from "In Review" to "Released" then '
-            "entries in the same object family can have Status equal to one of "
-            ":[Obsolete,Released]",
+            '  1. For Part: When Status is "Released" then entries in the same object family '
+            "can have Status equal to one of :[Obsolete,Released]",
             "",
             "Manual link rules (1):",
             '  1. For Part: When Status is "Released" then its manual link ancestors can have '
             "Status equal to one of :[Released]",
-            "",
-            "Transition rules (2):",
-            '  1. For Part: Status can transition from "In Work" to "In Work", "In Review"',
-            '  2. For Part: Status can transition from "In Review" to "In Review", "Released", '
-            '"In Work"',
             "",
             "Trigger rules (1):",
             '  1. For Part: When Status is edited, Approver must be initialized to "pending"',
@@ -459,17 +480,9 @@ class ExplainCommand(ProgramTest):
             '  1. For <any>: When {"Status" equals "Obsolete"} then you should spin up versions '
             "using one of the attributes: [Revision]",
             "",
-            "Conflict resolution rules (1):",
-            '  1. For Part: When Status transitions from "In Review" to "In Work"  then we MUST '
-            "spinup",
-            "",
-            "File constraint rules (1):",
-            '  1. For Part: When Status transitions from "In Work" to "In Review" we MUST '
-            "upload a new representation file",
-            "",
         ]))
 
-    def test_rules_of_a_kind_in_store_order_and_the_abstract_trigger(self):
+    def test_rules_of_a_kind_in_store_order_numbered_as_written(self):
         self.write_json("triggers.json", {"triggers": {
             "ALL": [{"attribute": "Material", "triggerInitialize": "Proper_Versioning_Attribute",
                      "initializationValue": "Next"}],
@@ -479,8 +492,8 @@ class ExplainCommand(ProgramTest):
         self.assertEqual(result.returncode, 0)
         self.assertEqual(result.stdout.splitlines(), [
             "Trigger rules (2):",
-            '  1. For Part: When Status is edited, Approver must be initialized to ""',
-            "  2. For <any>: When Material is edited, the proper versioning attribute "
+            '  2. For Part: When Status is edited, Approver must be initialized to ""',
+            "  1. For <any>: When Material is edited, the proper versioning attribute "
             '(Proper_Versioning_Attribute) must be initialized to "Next"',
         ])
 
@@ -523,7 +536,11 @@ class ExplainCommand(ProgramTest):
         self.assertEqual(result.stdout, "")
         self.assertEqual(result.stderr, "bad.json: Triggers rule for Part demands ALL "
                                         "keywords: [attribute,initializationValue,"
-                                        "triggerInitialize]\n")
+                                        "triggerInitialize]\n"
+                                        'bad.json:1:24: note: triggers: Part #1: has no '
+                                        '"triggerInitialize", and a trigger rule needs '
+                                        '"attribute", "triggerInitialize" and '
+                                        '"initializationValue"\n')
 
     def test_a_data_model_that_does_not_load(self):
         self.write("bad-dm.json", "{")
@@ -627,7 +644,7 @@ class EvalCommand(ProgramTest):
         self.assertEqual(result.returncode, 0)
         self.assertEqual(result.stdout, APPROVED_EDIT + "\n")
         self.assertEqual(result.stderr, "reverse.json: note: We do not support the "
-                                        "allowReverse keyword in the Transition Rule. (2 "
+                                        "allowReverse keyword in the Transition Rule. (3 "
                                         "times)\nSuccess! Edit attempt approved\n")
 
     def test_an_unknown_kind(self):
@@ -818,7 +835,10 @@ class BatchCommand(ProgramTest):
         self.assertEqual(result.returncode, 2)
         self.assertEqual(result.stdout, "")
         self.assertEqual(result.stderr, "bad.json: Transition rule for Part demands ALL "
-                                        "keywords: [attribute,fromValue,toValue]\n")
+                                        "keywords: [attribute,fromValue,toValue]\n"
+                                        'bad.json:1:27: note: transitions: Part #1: has no '
+                                        '"fromValue", and a transition rule needs "attribute", '
+                                        '"fromValue" and "toValue"\n')
 
     def test_both_documents_are_required(self):
         result = self.tov("batch", "--rules", "rules.json", stdin="")

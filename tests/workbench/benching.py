@@ -122,6 +122,9 @@ class Workbench:
                                      % (first, self.stderr.text()))
             self.url = match.group(1)
             self.port = int(match.group(2))
+            # The line naming the documents follows at once, and tests read it by its place.
+            self.stderr.wait_for(lambda line: line.startswith("tov workbench: editing"),
+                                 START_SECONDS)
             page = self.stdout.wait_for(lambda line: True, START_SECONDS)
             found = PAGE.match(page or "")
             if found is None or found.group(1) != self.url:

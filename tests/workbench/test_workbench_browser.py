@@ -115,8 +115,9 @@ def test_the_page_loads_the_examples(browser, bench):
     assert ('For Part: When Status equals "Released", then Description must remain unchanged.'
             in explained)
     faults = by_test_id(browser, "faults").text
-    assert "versioningSelections: Library_Item #1: offers no versioning attribute" in faults
-    assert "rules 41:3" in faults
+    assert ("versioningSelections: Library_Item #1 (explain 3): offers no versioning attribute"
+            in faults)
+    assert "rules 48:95" in faults
     assert not by_test_id(browser, "save").is_displayed()
     assert browser.get_log("browser") == []
     screenshot(browser, "01-loaded.png")

@@ -79,7 +79,7 @@ def test_check_tells_what_check_strict_tells_with_places(bench):
     checked = answer.json()
     assert checked["loaded"] is True
     assert checked["findings"][0] == {
-        "document": "rules", "severity": "note", "section": "transitionz",
+        "document": "rules", "severity": "warning", "section": "transitionz",
         "message": 'transitionz: unknown section "transitionz" is ignored; did you mean '
                    '"transitions"?', "line": 2, "column": 3}
     # The same messages as the command, in the same order.

@@ -133,10 +133,11 @@ TEST_F(WorkbenchApiTest, CheckTellsEveryFindingWithItsPlace) {
               "{\"loaded\":true,\"documents\":[{\"document\":\"datamodel\",\"comment\":"
               "\"Succesfully initialized DM info\"},{\"document\":\"rules\",\"comment\":"
               "\"Successfully initialized TOV rules\"}],\"findings\":[{\"document\":\"rules\","
-              "\"severity\":\"note\",\"section\":\"versioningSelections\",\"message\":"
-              "\"versioningSelections: Library_Item #1: offers no versioning attribute of "
-              "Datasheet (Edition), so no spin-up can follow the selection\",\"line\":41,"
-              "\"column\":3}],\"objectTypes\":[{\"name\":\"Assembly\",\"attributes\":[\"Number\","
+              "\"severity\":\"warning\",\"section\":\"versioningSelections\",\"message\":"
+              "\"versioningSelections: Library_Item #1 (explain 3): offers no versioning "
+              "attribute of Datasheet (Edition), so no spin-up can follow the selection\","
+              "\"line\":48,\"column\":95}],\"objectTypes\":[{\"name\":\"Assembly\",\"attributes\":["
+              "\"Number\","
               "\"Revision\",\"Owner\",\"Status\"]},{\"name\":\"Datasheet\",\"attributes\":["
               "\"DocumentFile\",\"Edition\",\"Number\",\"Status\"]},{\"name\":\"Drawing\","
               "\"attributes\":[\"Number\",\"Revision\",\"SheetFile\",\"Owner\",\"Status\"]},"
@@ -155,7 +156,7 @@ TEST_F(WorkbenchApiTest, AMisspeltSectionIsFoundWhereItIsWritten) {
                  "no rules, so every request will be refused with \"Uninitialized TOV rules\"");
     EXPECT_FALSE(findings[0].HasMember("line"));
     EXPECT_STREQ(findings[1]["document"].GetString(), "rules");
-    EXPECT_STREQ(findings[1]["severity"].GetString(), "note");
+    EXPECT_STREQ(findings[1]["severity"].GetString(), "warning");
     EXPECT_STREQ(findings[1]["section"].GetString(), "transitionz");
     EXPECT_STREQ(findings[1]["message"].GetString(),
                  "transitionz: unknown section \"transitionz\" is ignored; did you mean "
@@ -175,7 +176,7 @@ TEST_F(WorkbenchApiTest, CheckTellsTheFaultsOfDocumentsThatDoNotLoad) {
     EXPECT_EQ((*json)["documents"].Size(), 0U);
     EXPECT_EQ((*json)["objectTypes"].Size(), 0U);
     const auto& findings = (*json)["findings"];
-    ASSERT_EQ(findings.Size(), 3U);
+    ASSERT_EQ(findings.Size(), 4U);
     EXPECT_STREQ(findings[0]["document"].GetString(), "datamodel");
     EXPECT_STREQ(findings[0]["severity"].GetString(), "fault");
     EXPECT_STREQ(findings[0]["message"].GetString(), "Json has fundamental parsing error");
@@ -189,6 +190,14 @@ TEST_F(WorkbenchApiTest, CheckTellsTheFaultsOfDocumentsThatDoNotLoad) {
     EXPECT_STREQ(findings[2]["section"].GetString(), "transitions");
     EXPECT_EQ(findings[2]["line"].GetUint64(), 2U);
     EXPECT_EQ(findings[2]["column"].GetUint64(), 3U);
+    // The program's note points at the rule that the library refused.
+    EXPECT_STREQ(findings[3]["severity"].GetString(), "note");
+    EXPECT_STREQ(findings[3]["section"].GetString(), "transitions");
+    EXPECT_STREQ(findings[3]["message"].GetString(),
+                 "transitions: Part #1: has no \"fromValue\", and a transition rule needs "
+                 "\"attribute\", \"fromValue\" and \"toValue\"");
+    EXPECT_EQ(findings[3]["line"].GetUint64(), 3U);
+    EXPECT_EQ(findings[3]["column"].GetUint64(), 15U);
 }
 
 TEST_F(WorkbenchApiTest, ExplainTellsTheRulesInWords) {
@@ -281,8 +290,10 @@ TEST_F(WorkbenchApiTest, ALifecycleTooLargeToDrawIsGivenAsText) {
                                  .body);
     EXPECT_EQ(renderer.drawn, 0);
     EXPECT_TRUE((*json)["svg"].IsNull());
+    // The chain's 201 moves, and from its last value, which no rule moves
+    // from, the library approves a move to each of the other 201.
     EXPECT_STREQ((*json)["message"].GetString(),
-                 "The lifecycle has 202 values and 201 transitions, more than are drawn here "
+                 "The lifecycle has 202 values and 402 transitions, more than are drawn here "
                  "(200 and 2000); its DOT text follows.");
 }
 
@@ -397,15 +408,52 @@ TEST_F(WorkbenchApiTest, AFailingCaseTellsTheDifference) {
     const std::string suite =
         "{\"cases\": [{\"name\": \"retitle\", \"kind\": \"edit\", \"request\": {\"objectType\": "
         "\"Part\", \"initialAttributes\": {\"Status\": \"In Work\"}, \"targetAttributes\": "
-        "{\"Title\": \"Clamp\"}}, \"expect\": {\"Result\": \"Failure\", \"Extra\": \"x\"}, "
-        "\"exact\": true}]}";
+        "{\"Title\": \"Clamp\"}}, \"expect\": {\"Result\": \"Failure\", \"ForcedSpinup\": "
+        "\"x\"}, \"exact\": true}]}";
     const HttpResponse answer = api.test(withExamples({{"suite", suite}}));
     EXPECT_EQ(answer.body,
               "{\"cases\":[{\"name\":\"retitle\",\"kind\":\"edit\",\"passed\":false,"
-              "\"mismatches\":[{\"keyword\":\"Extra\",\"expected\":\"x\",\"actual\":null},"
+              "\"expected\":{\"ForcedSpinup\":\"x\",\"Result\":\"Failure\"},\"actual\":{"
+              "\"Result\":\"Success\",\"ResultComment\":\"Edit attempt approved\"},"
+              "\"warnings\":[\"the request's attribute \\\"Title\\\" is none that the data model "
+              "describes for Part\"],"
+              "\"mismatches\":[{\"keyword\":\"ForcedSpinup\",\"expected\":\"x\",\"actual\":null},"
               "{\"keyword\":\"Result\",\"expected\":\"Failure\",\"actual\":\"Success\"},"
               "{\"keyword\":\"ResultComment\",\"expected\":null,\"actual\":\"Edit attempt "
               "approved\"}]}],\"passed\":0,\"failed\":1}\n");
+}
+
+TEST_F(WorkbenchApiTest, AnAnswerTellsTheNamesThatTheDataModelDoesNotDescribe) {
+    const auto answer =
+        parsed(api.evaluate(withExamples({{"kind", "edit"},
+                                          {"request",
+                                           "{\"objectType\": \"Part\", \"initialAttributes\": "
+                                           "{\"Status\": \"In Work\"}, \"targetAttributes\": "
+                                           "{\"Stauts\": \"Released\"}}"}}))
+                   .body);
+    EXPECT_STREQ((*answer)["verdict"].GetString(), "approved");
+    ASSERT_EQ((*answer)["warnings"].Size(), 1U);
+    EXPECT_STREQ((*answer)["warnings"][0].GetString(),
+                 "the request's attribute \"Stauts\" is none that the data model describes for "
+                 "Part; did you mean \"Status\"?");
+    const auto clean =
+        parsed(api.evaluate(withExamples({{"kind", "edit"},
+                                          {"request",
+                                           "{\"objectType\": \"Part\", \"initialAttributes\": "
+                                           "{\"Status\": \"In Work\"}, \"targetAttributes\": "
+                                           "{\"Owner\": \"design\"}}"}}))
+                   .body);
+    EXPECT_EQ((*clean)["warnings"].Size(), 0U);
+}
+
+TEST_F(WorkbenchApiTest, AKeywordThatNoAnswerHoldsIsRefused) {
+    const std::string suite =
+        "{\"cases\": [{\"name\": \"one\", \"kind\": \"edit\", \"request\": {}, \"expect\": "
+        "{\"Reslt\": \"Failure\"}}]}";
+    const HttpResponse answer = api.test(withExamples({{"suite", suite}}));
+    EXPECT_EQ(answer.status, 422);
+    EXPECT_EQ(answer.body, errorBody("suite the suite: case 1 (one): \"expect\" names \"Reslt\", "
+                                     "which no answer holds; did you mean \"Result\"?"));
 }
 
 TEST_F(WorkbenchApiTest, ASuiteNamesNoFileToRead) {

@@ -55,7 +55,7 @@ _tov() {
         explain) options="--rules --dm --format $common" ;;
         eval) options="--rules --dm --format --trace $common" ;;
         batch) options="--rules --dm --jobs --format $common" ;;
-        test) options="--verbose --format --coverage --coverage-min $common" ;;
+        test) options="--verbose --format --coverage --coverage-min --strict $common" ;;
         graph) options="--rules --dm --type --attribute --format $common" ;;
         serve) options="--rules --dm --listen --threads --watch --token-file --allow-host
             --decision-log --grace --max-body-size --max-header-size --max-connections

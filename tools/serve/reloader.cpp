@@ -19,11 +19,14 @@ std::string faultsOf(const DecisionService& service, const DocumentTexts& texts,
         return load.error;
     }
     std::vector<tovcli::Finding> findings;
+    // The texts that were loaded are read again, not the files, which may
+    // have changed since.
+    tovcli::findingsOfLoad({tovcli::Document::kDataModel, service.dataModelPath(),
+                            texts.dataModel.size(), &texts.dataModel},
+                           load.dataModel, "", maxInputSize, findings);
     tovcli::findingsOfLoad(
-        {tovcli::Document::kDataModel, service.dataModelPath(), texts.dataModel.size()},
-        load.dataModel, "", maxInputSize, findings);
-    tovcli::findingsOfLoad({tovcli::Document::kRules, service.rulesPath(), texts.rules.size()},
-                           load.rules, "", maxInputSize, findings);
+        {tovcli::Document::kRules, service.rulesPath(), texts.rules.size(), &texts.rules},
+        load.rules, "", maxInputSize, findings);
     std::ostringstream lines;
     for (const tovcli::Finding& finding : findings) {
         if (finding.severity != tovcli::Finding::kLoaded) {

@@ -322,9 +322,13 @@ HttpResponse ServeRouter::graph(HttpRequest& request) {
     tovjson::Document rulesDocument;
     rulesDocument.Parse<rapidjson::kParseIterativeFlag>(served->rulesText->c_str(),
                                                         served->rulesText->size());
-    const tovcli::LifecycleGraph lifecycle =
-        tovcli::buildLifecycleGraph(rulesDocument, *type, *attribute, dataModel);
-    if (lifecycle.edges.empty()) {
+    const TOVEngineGeneration& generation = *served->generation;
+    const tovcli::LifecycleGraph lifecycle = tovcli::buildLifecycleGraph(
+        rulesDocument, *type, *attribute, dataModel,
+        [&generation](const std::string& kind, const std::string& text) {
+            return generation.evaluate(kind, text);
+        });
+    if (!lifecycle.hasTransitionRules) {
         return errorResponse(404, served->rules.path + " has no transition rule of " +
                                       tovhttp::printableExcerpt(*attribute) + " for " +
                                       tovhttp::printableExcerpt(*type));

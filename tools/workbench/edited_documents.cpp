@@ -10,7 +10,7 @@ EditedDocuments::EditedDocuments(const DocumentNames& names, const DocumentTexts
                                  const std::string& logFolder)
     : documentNames(names), documentTexts(texts), privateCore(logFolder) {}
 
-bool EditedDocuments::load(bool strict) {
+bool EditedDocuments::load(bool lookForMistakes) {
     using tovcli::Document;
     const std::vector<Document> documents = {
         {Document::kDataModel, documentNames.dataModel, documentTexts.dataModel.size(),
@@ -24,7 +24,7 @@ bool EditedDocuments::load(bool strict) {
     const std::lock_guard<std::mutex> lock(printing);
     found.clear();
     const std::uint64_t noFileIsRead = 0;
-    return tovcli::checkDocuments(documents, noFileIsRead, strict, privateCore, found);
+    return tovcli::checkDocuments(documents, noFileIsRead, lookForMistakes, privateCore, found);
 }
 
 std::string EditedDocuments::faultsInWords() const {

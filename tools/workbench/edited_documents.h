@@ -35,10 +35,10 @@ public:
     EditedDocuments& operator=(const EditedDocuments&) = delete;
 
     // Loads both documents, the data model first, and keeps what tov check
-    // tells about them (with `strict`, what tov check --strict tells). True
-    // when both loaded. Loads of different objects may run on different
-    // threads: they take turns where the library prints.
-    bool load(bool strict);
+    // tells about them (the likely mistakes only with `lookForMistakes`, since
+    // most questions need no more than the load). True when both loaded. Loads of different objects
+    // may run on different threads: they take turns where the library prints.
+    bool load(bool lookForMistakes);
 
     const std::vector<tovcli::Finding>& findings() const { return found; }
     // The faults that kept a document from loading, one per line, for a refusal.

@@ -14,6 +14,7 @@
 #include "json_output.h"
 #include "lifecycle_graph.h"
 #include "request_kinds.h"
+#include "request_names.h"
 #include "rules_in_words.h"
 #include "section_places.h"
 #include "test_suite.h"
@@ -168,7 +169,9 @@ void writeFinding(JsonWriter& writer, const Finding& finding, const char* key,
     writer.Key("document");
     writer.String(key);
     writer.Key("severity");
-    writer.String(finding.severity == Finding::kFault ? "fault" : "note");
+    writer.String(finding.severity == Finding::kFault     ? "fault"
+                  : finding.severity == Finding::kWarning ? "warning"
+                                                          : "note");
     writer.Key("section");
     if (finding.section.empty()) {
         writer.Null();
@@ -391,11 +394,17 @@ HttpResponse WorkbenchApi::graph(const std::string& body) const {
     tovjson::Document rules;
     rules.Parse<rapidjson::kParseIterativeFlag>(texts.rules.c_str(), texts.rules.size());
     // The graph code reads an object; what the library took is not asked again.
-    const tovcli::LifecycleGraph lifecycle =
-        rules.HasParseError() || !rules.IsObject()
-            ? tovcli::LifecycleGraph{type, attribute, {}, {}, {}}
-            : tovcli::buildLifecycleGraph(rules, type, attribute, dataModel);
-    if (lifecycle.edges.empty()) {
+    tovcli::LifecycleGraph lifecycle;
+    if (!rules.HasParseError() && rules.IsObject()) {
+        // The very documents of this question judge every move, as tov graph's do.
+        TOVCoreDataControllers* core = documents.core().get();
+        lifecycle = tovcli::buildLifecycleGraph(
+            rules, type, attribute, dataModel,
+            [core](const std::string& kind, const std::string& text) {
+                return tovcli::findRequestKind(kind)->evaluate(text, core);
+            });
+    }
+    if (!lifecycle.hasTransitionRules) {
         return errorResponse(422, "the rules hold no transition rule of \"" +
                                       tovhttp::printableExcerpt(attribute) + "\" for \"" +
                                       tovhttp::printableExcerpt(type) + "\"");
@@ -472,6 +481,13 @@ HttpResponse WorkbenchApi::evaluate(const std::string& body) const {
     writer.RawValue(steps.c_str(), steps.size(), rapidjson::kArrayType);
     writer.Key("tracePlaces");
     writeTracePlaces(writer, trace.steps(), texts.rules);
+    writer.Key("warnings");
+    writer.StartArray();
+    for (const std::string& warning :
+         tovcli::unknownNamesInRequest(request, documents.core().dataModel())) {
+        writeString(writer, warning);
+    }
+    writer.EndArray();
     writer.EndObject();
     return jsonAnswer(buffer);
 }
@@ -499,20 +515,30 @@ HttpResponse WorkbenchApi::test(const std::string& body) const {
     writer.Key("cases");
     writer.StartArray();
     for (const tovcli::TestCase& testCase : suite.cases) {
-        const TOVResponse response =
-            testCase.kind->evaluate(testCase.request, documents.core().get());
-        const std::vector<tovcli::Mismatch> mismatches =
-            tovcli::compareAnswer(testCase, tovcli::answerAsPrinted(response));
-        failed += mismatches.empty() ? 0 : 1;
+        const tovcli::CaseOutcome outcome =
+            tovcli::runCase(testCase, documents.core().get(), documents.core().dataModel());
+        failed += outcome.mismatches.empty() ? 0 : 1;
         writer.StartObject();
         writer.Key("name");
         writeString(writer, testCase.name);
         writer.Key("kind");
         writer.String(testCase.kind->name);
         writer.Key("passed");
-        writer.Bool(mismatches.empty());
+        writer.Bool(outcome.mismatches.empty());
+        writer.Key("expected");
+        const std::string expected = tovcli::keywordsAsJson(testCase.expect);
+        writer.RawValue(expected.c_str(), expected.size(), rapidjson::kObjectType);
+        writer.Key("actual");
+        const std::string actual = tovcli::keywordsAsJson(outcome.answer);
+        writer.RawValue(actual.c_str(), actual.size(), rapidjson::kObjectType);
+        writer.Key("warnings");
+        writer.StartArray();
+        for (const std::string& warning : outcome.warnings) {
+            writeString(writer, warning);
+        }
+        writer.EndArray();
         writer.Key("mismatches");
-        writeMismatches(writer, mismatches);
+        writeMismatches(writer, outcome.mismatches);
         writer.EndObject();
     }
     writer.EndArray();

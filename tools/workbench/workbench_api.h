@@ -38,10 +38,13 @@ public:
     // text of the lifecycle as tov graph draws it, and its SVG drawing.
     tovhttp::HttpResponse graph(const std::string& body) const;
     // POST /api/evaluate {"rules", "datamodel", "kind", "request"}: the answer,
-    // with the decision trace (which rules judged it, in judging order) and
-    // where each of those rules stands in the rules text.
+    // with the decision trace (which rules judged it, in judging order),
+    // where each of those rules stands in the rules text, and the warnings of
+    // tov eval about names the data model does not describe.
     tovhttp::HttpResponse evaluate(const std::string& body) const;
-    // POST /api/test {"rules", "datamodel", "suite"}: every case's outcome.
+    // POST /api/test {"rules", "datamodel", "suite"}: every case's outcome,
+    // as tov test --format json tells it: both answers whole, the difference
+    // and the names of the request that the data model does not describe.
     tovhttp::HttpResponse test(const std::string& body) const;
     // POST /api/save {"rules", "datamodel"}: both documents saved to the
     // paths given at the start, once both load; only with --write.

@@ -431,6 +431,7 @@
     advice.hidden = asked.length === 0;
     advice.textContent = asked.length === 0 ? "" : "The answer asks for " +
       asked.join("; and for ") + ". Then evaluate again.";
+    showRequestWarnings(answer.warnings);
     const table = byId("keywords");
     table.replaceChildren();
     for (const keyword of Object.keys(answer.keywords)) {
@@ -440,6 +441,16 @@
     }
     showTrace(answer.trace, answer.tracePlaces);
     markAnswered();
+  }
+
+  // Names of the request that the data model does not describe, as tov eval warns of them.
+  function showRequestWarnings(warnings) {
+    const list = byId("request-warnings");
+    list.replaceChildren();
+    for (const warning of warnings) {
+      list.append(element("li", "", "warning: " + warning));
+    }
+    list.hidden = warnings.length === 0;
   }
 
   async function evaluate() {
@@ -456,6 +467,7 @@
       verdict.className = "verdict refused";
       byId("comment").textContent = error.message;
       byId("advice").hidden = true;
+      showRequestWarnings([]);
       byId("keywords").replaceChildren();
       showTrace([], []);
       markAnswered();
@@ -496,6 +508,14 @@
       item.append(document.createTextNode(testCase.name + " (" + testCase.kind + ")"));
       for (const mismatch of testCase.mismatches) {
         item.append(element("div", "difference", differenceInWords(mismatch)));
+      }
+      if (!testCase.passed) {
+        // Both answers whole, as tov test prints them: the comment tells why.
+        item.append(element("div", "whole-answer", "expected: " + JSON.stringify(testCase.expected)));
+        item.append(element("div", "whole-answer", "actual: " + JSON.stringify(testCase.actual)));
+      }
+      for (const warning of testCase.warnings) {
+        item.append(element("div", "warning", "warning: " + warning));
       }
       list.append(item);
     }
