@@ -15,8 +15,10 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -210,7 +212,16 @@ public:
     }
 
     void start(TOVCoreDataControllers* loaded, OutputFormat format) {
-        threads.emplace_back(work, loaded, format, std::ref(pipeline));
+        try {
+            threads.emplace_back(work, loaded, format, std::ref(pipeline));
+        } catch (const std::system_error& error) {
+            // Under a limit on address space a new thread's stack may not
+            // fit: that is running out of memory, and is told as such.
+            if (error.code() == std::errc::resource_unavailable_try_again) {
+                throw std::bad_alloc();
+            }
+            throw;
+        }
     }
     void joinAll() {
         for (std::thread& thread : threads) {
