@@ -433,8 +433,7 @@ template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
     const TOVVersioningSelection*) const;
 template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
     const TOVConflictResolution*) const;
-template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(
-    const TOVFileConstraint*) const;
+template TOV_API std::size_t TOVLifecycleBusinessRules::indexOfRule(const TOVFileConstraint*) const;
 
 std::string TOVLifecycleBusinessRules::ruleInWords(TOVRuleKind kind, std::size_t index) const {
     std::string sentence;
