@@ -1,6 +1,7 @@
 #include "json/TOVJsonParser.h"
 
 #include <fstream>
+#include <utility>
 
 #include <rapidjson/istreamwrapper.h>
 
@@ -132,12 +133,15 @@ bool TOVJsonParser::collectStringsFromArray(const tovjson::Value& value,
     if (!value.IsArray()) {
         return false;
     }
+    // Room for the whole list at once: a list of rule values is short, and
+    // growing it one string at a time cost more than reading the strings.
+    out.reserve(out.size() + value.Size());
     for (const auto& element : value.GetArray()) {
         std::string text;
         if (!collectStringFromValue(element, text)) {
             return false;
         }
-        out.push_back(text);
+        out.push_back(std::move(text));
     }
     return true;
 }
