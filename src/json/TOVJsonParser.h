@@ -59,6 +59,13 @@ protected:
     // A member's name whole, so that a name with a zero byte inside never
     // passes for a keyword.
     static std::string getMemberName(const tovjson::Value& name);
+    // Whether a member's name, whole, is `keyword`: what comparing
+    // getMemberName to it says, without building the string.
+    static bool isMemberNamed(const tovjson::Value& name, const char* keyword) {
+        const std::size_t length = std::char_traits<char>::length(keyword);
+        return name.GetStringLength() == length &&
+               std::char_traits<char>::compare(name.GetString(), keyword, length) == 0;
+    }
     bool collectStringsFromArray(const tovjson::Value& value, std::vector<std::string>& out);
     // Inserts every string member; stops with false at the first member that is
     // not a string, keeping what came before.

@@ -28,23 +28,25 @@ bool TOVTransitionRulesJsonParser::readRule(tovjson::Value& ruleObject, std::str
     std::string fromValue;
     std::vector<std::string> toValues;
     for (auto& member : ruleObject.GetObject()) {
-        const std::string keyword = getMemberName(member.name);
+        // Names are compared where they lie: a rule is read for every one of
+        // a large document, and the name is needed as text only for a fault.
+        const tovjson::Value& name = member.name;
         bool collected = true;
-        if (keyword == kAttribute) {
+        if (isMemberNamed(name, kAttribute)) {
             collected = collectStringFromValue(member.value, attribute);
-        } else if (keyword == kFromValue) {
+        } else if (isMemberNamed(name, kFromValue)) {
             collected = collectStringFromValue(member.value, fromValue);
-        } else if (keyword == kToValue) {
+        } else if (isMemberNamed(name, kToValue)) {
             // A repeated "toValue" adds to the list instead of replacing it.
             collected = collectStringsFromArray(member.value, toValues);
-        } else if (keyword == kAllowJumps) {
+        } else if (isMemberNamed(name, kAllowJumps)) {
             notice("We do not support the allowJumps keyword in the Transition Rule.\n");
-        } else if (keyword == kAllowReverse) {
+        } else if (isMemberNamed(name, kAllowReverse)) {
             notice("We do not support the allowReverse keyword in the Transition Rule.");
         }
         if (!collected) {
             // Also a bad "toValue" list is reported as a bad single value.
-            return failWith(attributeValueStringParsingError(objectType, keyword));
+            return failWith(attributeValueStringParsingError(objectType, getMemberName(name)));
         }
     }
     if (objectType.empty() || attribute.empty() || fromValue.empty() || toValues.empty()) {
