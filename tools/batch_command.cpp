@@ -69,7 +69,14 @@ public:
     // once the work was given up, so that the reader stops.
     bool push(Line line) {
         std::unique_lock<std::mutex> lock(mutex);
-        roomAvailable.wait(lock, [&] { return givenUp || line.index < nextToWrite + window; });
+        if (!givenUp && line.index >= nextToWrite + window) {
+            // Once the window is full the reader waits until half of it is
+            // answered, so that it and the workers wake each other once per
+            // half window instead of once per line.
+            readerWaiting = true;
+            roomAvailable.wait(lock, [&] { return givenUp || hasRoomForHalfAWindow(); });
+            readerWaiting = false;
+        }
         if (givenUp) {
             return false;
         }
@@ -146,7 +153,9 @@ public:
             if (nextToWrite == pushed) {
                 std::fflush(answers);
             }
-            roomAvailable.notify_all();
+            if (readerWaiting && hasRoomForHalfAWindow()) {
+                roomAvailable.notify_all();
+            }
         }
     }
 
@@ -161,6 +170,10 @@ private:
         std::size_t bytes;
     };
 
+    // Under the lock: whether the next half window of lines may be read
+    // ahead of the last answer written.
+    bool hasRoomForHalfAWindow() const { return pushed + window / 2 < nextToWrite + window; }
+
     const std::size_t window;
     std::FILE* const answers = answerStream();
     ProgressBar* progress = nullptr;
@@ -173,6 +186,7 @@ private:
     std::size_t pushed = 0;
     std::map<std::size_t, Answer> ready;
     std::size_t nextToWrite = 0;
+    bool readerWaiting = false;
     std::size_t malformed = 0;
     bool givenUp = false;
     std::exception_ptr failure;
