@@ -51,11 +51,10 @@ int run(const std::string& operation, int count) {
             return 1;
         }
         const std::string request = tovbench::editRequest();
-        return tovbench_measured(count, [&] {
-                   return EvaluateTOVEditAttempt(request, session.coreData()).getGeneralResult();
-               })
-                   ? 0
-                   : 1;
+        const auto edit = [&] {
+            return EvaluateTOVEditAttempt(request, session.coreData()).getGeneralResult();
+        };
+        return tovbench_measured(count, edit) ? 0 : 1;
     }
     if (operation == "parse-request") {
         const std::string request = tovbench::editRequest();
@@ -73,12 +72,10 @@ int run(const std::string& operation, int count) {
             sessions.push_back(std::make_unique<Session>());
         }
         int next = 0;
-        return tovbench_measured(count, [&] {
-                   return InitializeTOVRules(document, sessions[next++]->coreData())
-                       .getGeneralResult();
-               })
-                   ? 0
-                   : 1;
+        const auto load = [&] {
+            return InitializeTOVRules(document, sessions[next++]->coreData()).getGeneralResult();
+        };
+        return tovbench_measured(count, load) ? 0 : 1;
     }
     std::cerr << "unknown operation " << operation << "\n";
     return 2;

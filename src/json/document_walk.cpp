@@ -24,8 +24,7 @@ constexpr std::size_t kChunkCapacity = 64 * 1024;
 DocumentWalker::~DocumentWalker() = default;
 
 ValueCapture::ValueCapture(unsigned keptDepth)
-    : keptDepth(keptDepth),
-      allocator(firstChunk.data(), firstChunk.size(), kChunkCapacity) {}
+    : keptDepth(keptDepth), allocator(firstChunk.data(), firstChunk.size(), kChunkCapacity) {}
 
 void ValueCapture::begin() {
     building.clear();
