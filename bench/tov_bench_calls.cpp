@@ -68,6 +68,7 @@ int run(const std::string& operation, int count) {
         // Each load into a fresh core data made beforehand, and freed after
         // the count: what is counted is the load, not a reload.
         std::vector<std::unique_ptr<Session>> sessions;
+        sessions.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
             sessions.push_back(std::make_unique<Session>());
         }

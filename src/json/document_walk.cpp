@@ -17,7 +17,7 @@ namespace {
 
 // What a capture that outgrows its first chunk takes at a time: RapidJSON's
 // own default for a document.
-constexpr std::size_t kChunkCapacity = 64 * 1024;
+constexpr std::size_t kChunkCapacity = std::size_t{64} * 1024;
 
 }  // namespace
 
@@ -204,7 +204,7 @@ bool walkStream(Stream& stream, DocumentWalker& walker) {
 }
 
 // Big enough that reading a file costs few calls, small beside any document.
-constexpr std::size_t kFileBufferSize = 64 * 1024;
+constexpr std::size_t kFileBufferSize = std::size_t{64} * 1024;
 
 bool walkFile(const std::string& path, DocumentWalker& walker) {
     if (!isRegularFile(path)) {

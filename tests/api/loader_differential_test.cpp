@@ -10,9 +10,12 @@
 // TOV_LOADER_SEED the seed, for a larger run by hand.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -281,43 +284,47 @@ private:
         return root + "}";
     }
 
-    static constexpr const char* kTrailers[] = {"x", "{}", ",", " 1", "]"};
-    static constexpr const char* kStrays[] = {",", "}", "{", "\"", ":", "[", "]", "tru", "\\"};
-    static constexpr const char* kNoObjects[] = {"", " ", "[]", "3", "\"text\"", "null", "[{}]"};
-    static constexpr const char* kValues[] = {
+    static constexpr std::array<const char*, 5> kTrailers = {"x", "{}", ",", " 1", "]"};
+    static constexpr std::array<const char*, 9> kStrays = {",", "}", "{",   "\"", ":",
+                                                           "[", "]", "tru", "\\"};
+    static constexpr std::array<const char*, 7> kNoObjects = {"",         " ",    "[]",  "3",
+                                                              "\"text\"", "null", "[{}]"};
+    static constexpr std::array<const char*, 18> kValues = {
         "v0",        "v1",       "",      "ALL",   "<any>",           "Status",
         "x\\u0000y", "Released", "True",  "Reset", "spinup",          "overwrite",
         "N_A",       "Part",     "attr1", "a b",   "\\u00e9t\\u00e9", "Status "};
-    static constexpr const char* kObjectTypes[] = {
+    static constexpr std::array<const char*, 9> kObjectTypes = {
         "Part", "ALL", "Document", "", "part", "A\\u0000B", "Library_Item", "<any>", "all"};
-    static constexpr const char* kRuleKeywords[] = {"attribute",
-                                                    "fromValue",
-                                                    "toValue",
-                                                    "allowJumps",
-                                                    "allowReverse",
-                                                    "unknown",
-                                                    "attribute\\u0000x",
-                                                    "Attribute",
-                                                    "updateFile",
-                                                    "updatesFile",
-                                                    "conflictResolution",
-                                                    "hasDifferentPrimaries",
-                                                    "conditionAttribute1",
-                                                    "conditionValue1",
-                                                    "versioningOption",
-                                                    "triggerInitialize",
-                                                    "initializationValue",
-                                                    "acceptableHistoryLinkValues",
-                                                    "acceptableManualLinkValues",
-                                                    "freezeConditionValue"};
-    static constexpr const char* kRootJunkKeys[] = {"other", "transitions\\u0000", "Transitions",
-                                                    "structureobjects", ""};
-    static constexpr const char* kObjectKeywords[] = {
+    static constexpr std::array<const char*, 20> kRuleKeywords = {"attribute",
+                                                                  "fromValue",
+                                                                  "toValue",
+                                                                  "allowJumps",
+                                                                  "allowReverse",
+                                                                  "unknown",
+                                                                  "attribute\\u0000x",
+                                                                  "Attribute",
+                                                                  "updateFile",
+                                                                  "updatesFile",
+                                                                  "conflictResolution",
+                                                                  "hasDifferentPrimaries",
+                                                                  "conditionAttribute1",
+                                                                  "conditionValue1",
+                                                                  "versioningOption",
+                                                                  "triggerInitialize",
+                                                                  "initializationValue",
+                                                                  "acceptableHistoryLinkValues",
+                                                                  "acceptableManualLinkValues",
+                                                                  "freezeConditionValue"};
+    static constexpr std::array<const char*, 5> kRootJunkKeys = {
+        "other", "transitions\\u0000", "Transitions", "structureobjects", ""};
+    static constexpr std::array<const char*, 7> kObjectKeywords = {
         "name", "dmObjectType", "attributes", "attributes", "name", "other", "name\\u0000"};
-    static constexpr const char* kAttributeKeywords[] = {"name", "type", "primary", "other",
-                                                         "primary"};
-    static constexpr const char* kAttributeTypes[] = {"REGULAR", "VERSIONING", "OTHER", ""};
-    static constexpr const char* kCategories[] = {"DMITEM", "RLI", "FILE", "", "other"};
+    static constexpr std::array<const char*, 5> kAttributeKeywords = {"name", "type", "primary",
+                                                                      "other", "primary"};
+    static constexpr std::array<const char*, 4> kAttributeTypes = {"REGULAR", "VERSIONING", "OTHER",
+                                                                   ""};
+    static constexpr std::array<const char*, 5> kCategories = {"DMITEM", "RLI", "FILE", "",
+                                                               "other"};
 
     std::mt19937_64 random;
 };
@@ -353,10 +360,10 @@ std::string rulesContents(PrivateCore& core) {
     const TOVLifecycleBusinessRules* store = core.rules();
     std::string contents;
     for (const auto& [kind, words] : store->expressRulesInWords()) {
-        contents += kind + ": " + words + "\n";
+        contents.append(kind).append(": ").append(words).append("\n");
     }
     for (const TOVTriggerDescription& trigger : store->describeTriggerRules()) {
-        contents += "trigger: " + expressTriggerInWords(trigger) + "\n";
+        contents.append("trigger: ").append(expressTriggerInWords(trigger)).append("\n");
     }
     for (const TOVRuleKindWords& kind : rulekinds::kRuleKinds) {
         contents += kind.section;
@@ -380,7 +387,7 @@ template <typename Faults>
 std::string faultsInWords(const Faults& faults) {
     std::string words;
     for (const auto& [section, message] : faults) {
-        words += "[" + section + "] " + message + "\n";
+        words.append("[").append(section).append("] ").append(message).append("\n");
     }
     return words;
 }
@@ -388,7 +395,7 @@ std::string faultsInWords(const Faults& faults) {
 std::string faultsInWords(const std::vector<TOVDocumentFault>& faults) {
     std::string words;
     for (const TOVDocumentFault& fault : faults) {
-        words += "[" + fault.section + "] " + fault.message + "\n";
+        words.append("[").append(fault.section).append("] ").append(fault.message).append("\n");
     }
     return words;
 }
