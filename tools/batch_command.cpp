@@ -36,6 +36,9 @@ namespace {
 // Lines that may be read ahead of the last answer written, per worker: enough
 // to keep every worker busy while bounding memory on a large input.
 constexpr std::size_t kLinesInFlightPerJob = 64;
+// Lines a worker takes from the queue at most at a time: few enough that
+// the workers share a short input, enough to spare most meetings at the lock.
+constexpr std::size_t kLinesPerTake = 8;
 
 struct BatchOptions : DocumentCommandOptions {
     std::string requestsPath;  // empty or "-": standard input
@@ -115,26 +118,32 @@ public:
         workAvailable.notify_all();
     }
 
-    // Worker: the next line, or nothing once the input is done or the work
-    // was given up.
-    std::optional<Line> pop() {
+    // Worker: the next lines, as many as are queued up to `most`, or false
+    // once the input is done or the work was given up. Taking several at a
+    // time lets the workers and the reader meet at the lock less often.
+    bool take(std::vector<Line>& lines, std::size_t most) {
+        lines.clear();
         std::unique_lock<std::mutex> lock(mutex);
         workAvailable.wait(lock, [&] { return closed || !queue.empty(); });
         if (queue.empty() || givenUp) {
-            return std::nullopt;
+            return false;
         }
-        Line line = std::move(queue.front());
-        queue.pop_front();
-        return line;
+        while (!queue.empty() && lines.size() < most) {
+            lines.push_back(std::move(queue.front()));
+            queue.pop_front();
+        }
+        return true;
     }
 
-    // Worker: the answer to a line.
-    void deliver(const Line& line, std::string answer, bool wasRequest) {
+    // Worker: the answers to the lines taken last, in their order.
+    void deliver(const std::vector<Line>& lines, std::vector<BatchAnswer>& given) {
         std::lock_guard<std::mutex> lock(mutex);
-        if (!wasRequest) {
-            ++malformed;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            if (!given[i].wasRequest) {
+                ++malformed;
+            }
+            ready.emplace(lines[i].index, Answer{std::move(given[i].text), lines[i].bytes});
         }
-        ready.emplace(line.index, Answer{std::move(answer), line.bytes});
         bool wrote = false;
         for (auto next = ready.find(nextToWrite); next != ready.end();
              next = ready.find(nextToWrite)) {
@@ -201,9 +210,14 @@ void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& 
         TOVCoreDataControllers core;
         core.borrowData(loaded);
         const RequestJudge judge = judgeWithCoreData(&core);
-        while (std::optional<Line> line = pipeline.pop()) {
-            BatchAnswer answer = answerBatchLine(line->text, line->index + 1, judge, format);
-            pipeline.deliver(*line, std::move(answer.text), answer.wasRequest);
+        std::vector<Line> lines;
+        std::vector<BatchAnswer> answers;
+        while (pipeline.take(lines, kLinesPerTake)) {
+            answers.clear();
+            for (const Line& line : lines) {
+                answers.push_back(answerBatchLine(line.text, line.index + 1, judge, format));
+            }
+            pipeline.deliver(lines, answers);
         }
     } catch (...) {
         pipeline.giveUp(std::current_exception());
