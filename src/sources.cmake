@@ -7,6 +7,7 @@ set(TOV_SOURCES
   foundation/TOVLogger.cpp
   foundation/vocabulary.cpp
   # JSON layer
+  json/document_walk.cpp
   json/TOVJsonComposer.cpp
   json/TOVJsonParser.cpp
   # Data-model information
@@ -33,6 +34,8 @@ set(TOV_SOURCES
   rules/TOVVersioningSelection.cpp
   rules/TOVVersioningSelectionRulesJsonParser.cpp
   rules/rule_kinds.cpp
+  rules/rule_section_parser.cpp
+  rules/rules_document_walker.cpp
   # Request frame: response, core data, controller base
   frame/TOVActionController.cpp
   frame/TOVDecisionTrace.cpp

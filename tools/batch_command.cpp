@@ -15,8 +15,10 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -34,6 +36,9 @@ namespace {
 // Lines that may be read ahead of the last answer written, per worker: enough
 // to keep every worker busy while bounding memory on a large input.
 constexpr std::size_t kLinesInFlightPerJob = 64;
+// Lines a worker takes from the queue at most at a time: few enough that
+// the workers share a short input, enough to spare most meetings at the lock.
+constexpr std::size_t kLinesPerTake = 8;
 
 struct BatchOptions : DocumentCommandOptions {
     std::string requestsPath;  // empty or "-": standard input
@@ -67,7 +72,14 @@ public:
     // once the work was given up, so that the reader stops.
     bool push(Line line) {
         std::unique_lock<std::mutex> lock(mutex);
-        roomAvailable.wait(lock, [&] { return givenUp || line.index < nextToWrite + window; });
+        if (!givenUp && line.index >= nextToWrite + window) {
+            // Once the window is full the reader waits until half of it is
+            // answered, so that it and the workers wake each other once per
+            // half window instead of once per line.
+            readerWaiting = true;
+            roomAvailable.wait(lock, [&] { return givenUp || hasRoomForHalfAWindow(); });
+            readerWaiting = false;
+        }
         if (givenUp) {
             return false;
         }
@@ -106,26 +118,32 @@ public:
         workAvailable.notify_all();
     }
 
-    // Worker: the next line, or nothing once the input is done or the work
-    // was given up.
-    std::optional<Line> pop() {
+    // Worker: the next lines, as many as are queued up to `most`, or false
+    // once the input is done or the work was given up. Taking several at a
+    // time lets the workers and the reader meet at the lock less often.
+    bool take(std::vector<Line>& lines, std::size_t most) {
+        lines.clear();
         std::unique_lock<std::mutex> lock(mutex);
         workAvailable.wait(lock, [&] { return closed || !queue.empty(); });
         if (queue.empty() || givenUp) {
-            return std::nullopt;
+            return false;
         }
-        Line line = std::move(queue.front());
-        queue.pop_front();
-        return line;
+        while (!queue.empty() && lines.size() < most) {
+            lines.push_back(std::move(queue.front()));
+            queue.pop_front();
+        }
+        return true;
     }
 
-    // Worker: the answer to a line.
-    void deliver(const Line& line, std::string answer, bool wasRequest) {
+    // Worker: the answers to the lines taken last, in their order.
+    void deliver(const std::vector<Line>& lines, std::vector<BatchAnswer>& given) {
         std::lock_guard<std::mutex> lock(mutex);
-        if (!wasRequest) {
-            ++malformed;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            if (!given[i].wasRequest) {
+                ++malformed;
+            }
+            ready.emplace(lines[i].index, Answer{std::move(given[i].text), lines[i].bytes});
         }
-        ready.emplace(line.index, Answer{std::move(answer), line.bytes});
         bool wrote = false;
         for (auto next = ready.find(nextToWrite); next != ready.end();
              next = ready.find(nextToWrite)) {
@@ -144,7 +162,9 @@ public:
             if (nextToWrite == pushed) {
                 std::fflush(answers);
             }
-            roomAvailable.notify_all();
+            if (readerWaiting && hasRoomForHalfAWindow()) {
+                roomAvailable.notify_all();
+            }
         }
     }
 
@@ -159,6 +179,10 @@ private:
         std::size_t bytes;
     };
 
+    // Under the lock: whether the next half window of lines may be read
+    // ahead of the last answer written.
+    bool hasRoomForHalfAWindow() const { return pushed + window / 2 < nextToWrite + window; }
+
     const std::size_t window;
     std::FILE* const answers = answerStream();
     ProgressBar* progress = nullptr;
@@ -171,6 +195,7 @@ private:
     std::size_t pushed = 0;
     std::map<std::size_t, Answer> ready;
     std::size_t nextToWrite = 0;
+    bool readerWaiting = false;
     std::size_t malformed = 0;
     bool givenUp = false;
     std::exception_ptr failure;
@@ -185,9 +210,14 @@ void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& 
         TOVCoreDataControllers core;
         core.borrowData(loaded);
         const RequestJudge judge = judgeWithCoreData(&core);
-        while (std::optional<Line> line = pipeline.pop()) {
-            BatchAnswer answer = answerBatchLine(line->text, line->index + 1, judge, format);
-            pipeline.deliver(*line, std::move(answer.text), answer.wasRequest);
+        std::vector<Line> lines;
+        std::vector<BatchAnswer> answers;
+        while (pipeline.take(lines, kLinesPerTake)) {
+            answers.clear();
+            for (const Line& line : lines) {
+                answers.push_back(answerBatchLine(line.text, line.index + 1, judge, format));
+            }
+            pipeline.deliver(lines, answers);
         }
     } catch (...) {
         pipeline.giveUp(std::current_exception());
@@ -210,7 +240,16 @@ public:
     }
 
     void start(TOVCoreDataControllers* loaded, OutputFormat format) {
-        threads.emplace_back(work, loaded, format, std::ref(pipeline));
+        try {
+            threads.emplace_back(work, loaded, format, std::ref(pipeline));
+        } catch (const std::system_error& error) {
+            // Under a limit on address space a new thread's stack may not
+            // fit: that is running out of memory, and is told as such.
+            if (error.code() == std::errc::resource_unavailable_try_again) {
+                throw std::bad_alloc();
+            }
+            throw;
+        }
     }
     void joinAll() {
         for (std::thread& thread : threads) {

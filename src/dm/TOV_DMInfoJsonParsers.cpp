@@ -1,7 +1,10 @@
 #include "dm/TOV_DMInfoJsonParsers.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
+
+#include "json/document_walk.h"
 
 #include "tov/TOV_DMStructure.h"
 #include "tov/TOV_DMStructureObject.h"
@@ -18,12 +21,102 @@ const char* const kPrimary = "primary";
 
 }  // namespace
 
+// Walks the root's two members and the list's elements; every other member
+// is read past.
+class TOV_DMInfoJsonParser::Walker : public tovjson::DocumentWalker {
+public:
+    // An object of the list is read to the members of its attributes, and of
+    // those only the type: three levels of containers.
+    explicit Walker(TOV_DMInfoJsonParser& parser) : tovjson::DocumentWalker(3), parser(parser) {}
+
+    tovjson::Step value(rapidjson::Type type) override {
+        if (level == Level::kOutside) {
+            level = type == rapidjson::kObjectType ? Level::kRoot : Level::kOutside;
+            return level == Level::kRoot ? tovjson::Step::kEnter : tovjson::Step::kSkip;
+        }
+        if (level == Level::kList) {
+            return element(type);
+        }
+        const Member member = pending;
+        pending = Member::kOther;
+        if (member == Member::kList) {
+            parser.listFound = type == rapidjson::kArrayType;
+            level = parser.listFound ? Level::kList : Level::kRoot;
+            return parser.listFound ? tovjson::Step::kEnter : tovjson::Step::kSkip;
+        }
+        if (member == Member::kLabel) {
+            parser.labelFound = type == rapidjson::kStringType;
+            return parser.labelFound ? tovjson::Step::kCapture : tovjson::Step::kSkip;
+        }
+        return tovjson::Step::kSkip;
+    }
+
+    void key(const char* name, std::size_t length) override {
+        if (level != Level::kRoot || parser.structure == nullptr) {
+            return;
+        }
+        // The first member of each name counts, as a lookup by name finds it;
+        // the whole name, so that one with a zero byte inside is no keyword.
+        const std::string keyword(name, length);
+        if (keyword == kStructureObjects && !listSeen) {
+            listSeen = true;
+            pending = Member::kList;
+        } else if (keyword == kOverwriteLabel && !labelSeen) {
+            labelSeen = true;
+            pending = Member::kLabel;
+        }
+    }
+
+    void leave() override { level = level == Level::kList ? Level::kRoot : Level::kOutside; }
+
+    void captured(tovjson::Value& value) override {
+        if (level == Level::kList) {
+            read(value);
+        } else {
+            parser.label = value.GetString();  // up to the first zero byte, on purpose
+        }
+    }
+
+private:
+    enum class Level { kOutside, kRoot, kList };
+    enum class Member { kOther, kList, kLabel };
+
+    tovjson::Step element(rapidjson::Type type) {
+        if (parser.listFailed) {
+            return tovjson::Step::kSkip;
+        }
+        if (type == rapidjson::kObjectType) {
+            return tovjson::Step::kCapture;
+        }
+        // Of an element that is no object the reader reads only the type.
+        tovjson::Value standIn(type);
+        read(standIn);
+        return tovjson::Step::kSkip;
+    }
+
+    void read(const tovjson::Value& element) {
+        if (parser.objectParser.parseStructureObject(element, index, parser.structure)) {
+            ++index;
+        } else {
+            parser.listFailed = true;
+        }
+    }
+
+    TOV_DMInfoJsonParser& parser;
+    Level level = Level::kOutside;
+    Member pending = Member::kOther;
+    bool listSeen = false;
+    bool labelSeen = false;
+    int index = 0;
+};
+
 TOV_DMInfoJsonParser::TOV_DMInfoJsonParser(TOV_DMStructure* structure) : structure(structure) {}
 
 TOV_DMInfoJsonParser::~TOV_DMInfoJsonParser() = default;
 
 bool TOV_DMInfoJsonParser::load(const std::string& input, bool inputIsFilePath) {
-    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+    Walker walker(*this);
+    return walkJsonInput(input, inputIsFilePath, walker);
 }
 
 bool TOV_DMInfoJsonParser::parseAllSections() {
@@ -35,24 +128,17 @@ bool TOV_DMInfoJsonParser::parseStructureObjects() {
     if (structure == nullptr) {
         return false;
     }
-    tovjson::Value list;
-    if (!getJsonArraySection(document, kStructureObjects, list)) {
+    if (!listFound) {
         return failForDocument(notAllNecessaryKeywordsFoundParsingError(""));
     }
-    // One parser for the whole list, so that it remembers the last name read.
-    TOV_DMStructureObjectJsonParser objectParser;
-    int index = 0;
-    for (const tovjson::Value& element : list.GetArray()) {
-        if (!objectParser.parseStructureObject(element, index, structure)) {
-            const std::string comment = objectParser.getParsingErrorComment();
-            if (!comment.empty()) {
-                sectionFaults.emplace_back(kStructureObjects, comment);
-            }
-            appendToParsingErrorComment(comment.c_str());
-            updateParsingResult(objectParser.getParsingResult());
-            return false;
+    if (listFailed) {
+        const std::string comment = objectParser.getParsingErrorComment();
+        if (!comment.empty()) {
+            sectionFaults.emplace_back(kStructureObjects, comment);
         }
-        ++index;
+        appendToParsingErrorComment(comment.c_str());
+        updateParsingResult(objectParser.getParsingResult());
+        return false;
     }
     return true;
 }
@@ -61,12 +147,9 @@ bool TOV_DMInfoJsonParser::parseOverwriteLabel() {
     if (structure == nullptr) {
         return false;
     }
-    tovjson::Value labelValue;
-    if (!getJsonStringSection(document, kOverwriteLabel, labelValue)) {
+    if (!labelFound) {
         return failForDocument(notAllNecessaryKeywordsFoundParsingError(""));
     }
-    std::string label;
-    collectStringFromValue(labelValue, label);
     structure->setOverwriteLabel(label);
     return true;
 }

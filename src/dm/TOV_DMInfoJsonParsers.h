@@ -11,42 +11,6 @@
 
 class TOV_DMStructure;
 
-// The top parser of the data-model document.
-class TOV_DMInfoJsonParser : public TOVJsonParser {
-public:
-    // A section's key and what was said about it; the key is empty for a
-    // fault of the document as a whole, such as a missing member.
-    using SectionFaults = std::vector<std::pair<std::string, std::string>>;
-
-    explicit TOV_DMInfoJsonParser(TOV_DMStructure* structure);
-    ~TOV_DMInfoJsonParser() override;
-
-    // Loads the document from the path of a file or from JSON text.
-    bool load(const std::string& input, bool inputIsFilePath);
-    // Both root members, the label even when the list failed, so that one
-    // answer tells both.
-    bool parseAllSections();
-    bool parseStructureObjects();
-    bool parseOverwriteLabel();
-
-    // Each message of the comment with the section it concerns, in the order
-    // of the comment: so that a tool can tell where a fault lies without
-    // reading the message.
-    const SectionFaults& getSectionFaults() const { return sectionFaults; }
-
-protected:
-    std::string getRuleName() override;
-    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
-
-private:
-    // failWith, keeping the message as the document's.
-    bool failForDocument(const std::string& message);
-
-    TOV_DMStructure* structure;
-    tovjson::Document document;
-    SectionFaults sectionFaults;
-};
-
 // Reads the elements of "structureObjects"; one instance serves the whole list.
 class TOV_DMStructureObjectJsonParser : public TOVJsonParser {
 public:
@@ -79,6 +43,57 @@ public:
 protected:
     std::string getRuleName() override;
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+};
+
+// The top parser of the data-model document, which it reads as it streams by:
+// the first member of the root named "structureObjects" is the list of
+// objects, each read whole as a small tree in its turn, and the first member
+// named "OverwriteLabel" the label.
+class TOV_DMInfoJsonParser : public TOVJsonParser {
+public:
+    // A section's key and what was said about it; the key is empty for a
+    // fault of the document as a whole, such as a missing member.
+    using SectionFaults = std::vector<std::pair<std::string, std::string>>;
+
+    explicit TOV_DMInfoJsonParser(TOV_DMStructure* structure);
+    ~TOV_DMInfoJsonParser() override;
+
+    // Reads the document from the path of a file or from JSON text, appending
+    // the objects of the list to the data model up to the first fault in it.
+    // On false the document was no JSON object and the data model holds a
+    // part of it, which the caller must drop.
+    bool load(const std::string& input, bool inputIsFilePath);
+    // Tells of both root members, the label even when the list failed, so
+    // that one answer tells both, and sets the label.
+    bool parseAllSections();
+    bool parseStructureObjects();
+    bool parseOverwriteLabel();
+
+    // Each message of the comment with the section it concerns, in the order
+    // of the comment: so that a tool can tell where a fault lies without
+    // reading the message.
+    const SectionFaults& getSectionFaults() const { return sectionFaults; }
+
+protected:
+    std::string getRuleName() override;
+    void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
+
+private:
+    class Walker;
+
+    // failWith, keeping the message as the document's.
+    bool failForDocument(const std::string& message);
+
+    TOV_DMStructure* structure;
+    // What the stream found: whether the list was a list, and whether one of
+    // its objects failed, which ends it; whether the label was a string.
+    bool listFound = false;
+    bool listFailed = false;
+    bool labelFound = false;
+    std::string label;
+    // One parser for the whole list, so that it remembers the last name read.
+    TOV_DMStructureObjectJsonParser objectParser;
+    SectionFaults sectionFaults;
 };
 
 #endif  // TOV_DM_TOV_DMINFOJSONPARSERS_H_

@@ -1,22 +1,15 @@
 #include "json/TOVJsonParser.h"
 
-#include <filesystem>
 #include <fstream>
-#include <system_error>
+#include <utility>
 
 #include <rapidjson/istreamwrapper.h>
 
+#include "json/document_walk.h"
 #include "tov/string_helpers.h"
 
 namespace {
 const char* const kFundamentalParsingError = "Json has fundamental parsing error";
-
-// Only a regular file is opened: a FIFO without a writer would block the call,
-// and a device or a folder holds no document. Symbolic links are followed.
-bool isRegularFile(const std::string& path) {
-    std::error_code error;
-    return std::filesystem::is_regular_file(path, error);
-}
 }  // namespace
 
 TOVJsonParser::TOVJsonParser() : parsingResult(true) {}
@@ -42,7 +35,7 @@ bool TOVJsonParser::failFundamentally() {
 bool TOVJsonParser::fillJsonDocumentFromJsonFile(const std::string& path,
                                                  tovjson::Document& document) {
     std::ifstream stream;
-    if (isRegularFile(path)) {
+    if (tovjson::isRegularFile(path)) {
         stream.open(path, std::ios::in | std::ios::binary);
     }
     if (!stream.is_open()) {
@@ -63,6 +56,11 @@ bool TOVJsonParser::fillJsonDocumentFromInput(const std::string& input, bool inp
                                               tovjson::Document& document) {
     return inputIsFilePath ? fillJsonDocumentFromJsonFile(input, document)
                            : fillJsonDocumentFromJsonString(input, document);
+}
+
+bool TOVJsonParser::walkJsonInput(const std::string& input, bool inputIsFilePath,
+                                  tovjson::DocumentWalker& walker) {
+    return tovjson::walkDocument(input, inputIsFilePath, walker) || failFundamentally();
 }
 
 namespace {
@@ -135,12 +133,15 @@ bool TOVJsonParser::collectStringsFromArray(const tovjson::Value& value,
     if (!value.IsArray()) {
         return false;
     }
+    // Room for the whole list at once: a list of rule values is short, and
+    // growing it one string at a time cost more than reading the strings.
+    out.reserve(out.size() + value.Size());
     for (const auto& element : value.GetArray()) {
         std::string text;
         if (!collectStringFromValue(element, text)) {
             return false;
         }
-        out.push_back(text);
+        out.push_back(std::move(text));
     }
     return true;
 }

@@ -12,6 +12,10 @@
 #include "tov/string_helpers.h"
 #include "tov/vocabulary.h"
 
+namespace tovjson {
+class DocumentWalker;
+}  // namespace tovjson
+
 class TOVJsonParser {
 public:
     TOVJsonParser();
@@ -36,6 +40,10 @@ protected:
     // The file form when the input is a path, the text form otherwise.
     bool fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
                                    tovjson::Document& document);
+    // The same test of the input, with the document read as it streams
+    // through `walker` instead of into a tree (json/document_walk.h).
+    bool walkJsonInput(const std::string& input, bool inputIsFilePath,
+                       tovjson::DocumentWalker& walker);
 
     // Each moves a present member into `out`, leaving a null behind, and says
     // whether it had the wanted type. A member can thus be fetched only once.
@@ -51,6 +59,13 @@ protected:
     // A member's name whole, so that a name with a zero byte inside never
     // passes for a keyword.
     static std::string getMemberName(const tovjson::Value& name);
+    // Whether a member's name, whole, is `keyword`: what comparing
+    // getMemberName to it says, without building the string.
+    static bool isMemberNamed(const tovjson::Value& name, const char* keyword) {
+        const std::size_t length = std::char_traits<char>::length(keyword);
+        return name.GetStringLength() == length &&
+               std::char_traits<char>::compare(name.GetString(), keyword, length) == 0;
+    }
     bool collectStringsFromArray(const tovjson::Value& value, std::vector<std::string>& out);
     // Inserts every string member; stops with false at the first member that is
     // not a string, keeping what came before.
@@ -94,26 +109,6 @@ protected:
     // has run, so that a caller can keep what came from which section.
     template <typename... SectionParsers, typename NoteSection, typename... Args>
     bool runSectionParsersNoting(NoteSection&& noteSection, Args&... args);
-
-    // The frame shared by the sections of the rules document: an object that
-    // maps object types to lists of rule objects. `readRule(ruleObject,
-    // objectType)` reads one rule, appends it to the store and may rewrite the
-    // object type in place; it reports its own errors and returns false on one.
-    // An absent section, or one that is not an object, is fine. The first error
-    // ends the section. Before the first rule, `makeRoom(count)` hears how many
-    // rule entries the section lists, so that the store can make room at once.
-    template <typename ReadRule, typename MakeRoom>
-    bool parseRulesSection(tovjson::Value& root, const char* sectionKeyword, ReadRule&& readRule,
-                           MakeRoom&& makeRoom);
-
-    // The same for a kind whose rules hold strings only: reads the values of
-    // `keywords` in their order (see collectRuleKeywordsFromMap), turns an
-    // object type "ALL" into "<any>" and hands both to
-    // `appendRule(objectType, values)`; `makeRoom` as above.
-    template <typename AppendRule, typename MakeRoom>
-    bool parseStringRulesSection(tovjson::Value& root, const char* sectionKeyword,
-                                 const std::vector<const char*>& keywords, AppendRule&& appendRule,
-                                 MakeRoom&& makeRoom);
 
     // A necessary section that is an object of strings, such as the initial or
     // the target attributes of a request. A missing member, or one of another
@@ -162,53 +157,6 @@ bool TOVJsonParser::runSectionParsersNoting(NoteSection&& noteSection, Args&... 
     // The comma fold keeps the sections in order.
     (run(SectionParsers()), ...);
     return allParsed;
-}
-
-template <typename ReadRule, typename MakeRoom>
-bool TOVJsonParser::parseRulesSection(tovjson::Value& root, const char* sectionKeyword,
-                                      ReadRule&& readRule, MakeRoom&& makeRoom) {
-    tovjson::Value section;
-    if (!getJsonSection(root, sectionKeyword, section)) {
-        return true;
-    }
-    std::size_t listed = 0;
-    for (const auto& member : section.GetObject()) {
-        listed += member.value.IsArray() ? member.value.Size() : 0;
-    }
-    makeRoom(listed);
-    for (auto& member : section.GetObject()) {
-        std::string objectType = getMemberName(member.name);
-        if (!member.value.IsArray()) {
-            return failWith(objectRulesNotAListError(objectType));
-        }
-        for (auto& ruleObject : member.value.GetArray()) {
-            if (!ruleObject.IsObject()) {
-                return failWith(objectListedRuleNotAMapError(objectType));
-            }
-            if (!readRule(ruleObject, objectType)) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
-template <typename AppendRule, typename MakeRoom>
-bool TOVJsonParser::parseStringRulesSection(tovjson::Value& root, const char* sectionKeyword,
-                                            const std::vector<const char*>& keywords,
-                                            AppendRule&& appendRule, MakeRoom&& makeRoom) {
-    return parseRulesSection(
-        root, sectionKeyword,
-        [&](tovjson::Value& ruleObject, std::string& objectType) {
-            std::vector<std::string> values;
-            if (!collectRuleKeywordsFromMap(ruleObject, objectType, keywords, values)) {
-                return false;
-            }
-            changeAllToAny(objectType);
-            appendRule(objectType, values);
-            return true;
-        },
-        std::forward<MakeRoom>(makeRoom));
 }
 
 // The one set of parse flags: the default grammar, parsed iteratively so that

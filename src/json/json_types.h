@@ -12,6 +12,7 @@
 #include <new>
 
 #include <rapidjson/document.h>
+#include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
@@ -51,6 +52,9 @@ using Allocator = rapidjson::MemoryPoolAllocator<ThrowingAllocator>;
 using Document = rapidjson::GenericDocument<rapidjson::UTF8<>, Allocator, ThrowingAllocator>;
 using Value = Document::ValueType;
 using StringBuffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, ThrowingAllocator>;
+// A reader whose stack allocates through the same allocator, for documents
+// read as a stream of events rather than into a tree.
+using Reader = rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, ThrowingAllocator>;
 using Writer =
     rapidjson::Writer<StringBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>, ThrowingAllocator>;
 

@@ -29,53 +29,49 @@ void TOVConflictResolutionRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kConflictResolution);
 }
 
-bool TOVConflictResolutionRulesJsonParser::parseSection(tovjson::Value& root,
-                                                        TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, sectionKeyword(),
-        [&](tovjson::Value& ruleObject, std::string& objectType) {
-            std::string attribute;
-            std::string fromValue;
-            std::string toValue;
-            std::string updatesFile;
-            std::string conflictResolution;
-            bool hasDifferentPrimaries = false;
-            for (const auto& member : ruleObject.GetObject()) {
-                const std::string keyword = getMemberName(member.name);
-                std::string* text = nullptr;
-                if (keyword == kAttribute) {
-                    text = &attribute;
-                } else if (keyword == kFromValue) {
-                    text = &fromValue;
-                } else if (keyword == kToValue) {
-                    text = &toValue;
-                } else if (keyword == kUpdatesFile) {
-                    text = &updatesFile;
-                } else if (keyword == kConflictResolution) {
-                    text = &conflictResolution;
-                } else if (keyword == kHasDifferentPrimaries) {
-                    if (!collectBoolFromValue(member.value, hasDifferentPrimaries)) {
-                        return failWith(attributeValueBoolParsingError(objectType, keyword));
-                    }
-                    continue;
-                } else {
-                    // Unknown keywords are skipped whatever their type.
-                    continue;
-                }
-                if (!collectStringFromValue(member.value, *text)) {
-                    return failWith(attributeValueStringParsingError(objectType, keyword));
-                }
+bool TOVConflictResolutionRulesJsonParser::readRule(tovjson::Value& ruleObject,
+                                                    std::string& objectType,
+                                                    TOVLifecycleBusinessRules* store) {
+    std::string attribute;
+    std::string fromValue;
+    std::string toValue;
+    std::string updatesFile;
+    std::string conflictResolution;
+    bool hasDifferentPrimaries = false;
+    for (const auto& member : ruleObject.GetObject()) {
+        const std::string keyword = getMemberName(member.name);
+        std::string* text = nullptr;
+        if (keyword == kAttribute) {
+            text = &attribute;
+        } else if (keyword == kFromValue) {
+            text = &fromValue;
+        } else if (keyword == kToValue) {
+            text = &toValue;
+        } else if (keyword == kUpdatesFile) {
+            text = &updatesFile;
+        } else if (keyword == kConflictResolution) {
+            text = &conflictResolution;
+        } else if (keyword == kHasDifferentPrimaries) {
+            if (!collectBoolFromValue(member.value, hasDifferentPrimaries)) {
+                return failWith(attributeValueBoolParsingError(objectType, keyword));
             }
-            // An empty value counts as a missing keyword.
-            if (objectType.empty() || attribute.empty() || fromValue.empty() || toValue.empty() ||
-                updatesFile.empty() || conflictResolution.empty()) {
-                return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
-            }
-            changeAllToAny(objectType);
-            store->appendNewConflictResolutionRule(
-                TOVConflictResolution(objectType, attribute, fromValue, toValue, updatesFile,
-                                      conflictResolution, hasDifferentPrimaries));
-            return true;
-        },
-        [store](std::size_t count) { store->reserveRules<TOVConflictResolution>(count); });
+            continue;
+        } else {
+            // Unknown keywords are skipped whatever their type.
+            continue;
+        }
+        if (!collectStringFromValue(member.value, *text)) {
+            return failWith(attributeValueStringParsingError(objectType, keyword));
+        }
+    }
+    // An empty value counts as a missing keyword.
+    if (objectType.empty() || attribute.empty() || fromValue.empty() || toValue.empty() ||
+        updatesFile.empty() || conflictResolution.empty()) {
+        return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
+    }
+    changeAllToAny(objectType);
+    store->appendNewConflictResolutionRule(
+        TOVConflictResolution(objectType, attribute, fromValue, toValue, updatesFile,
+                              conflictResolution, hasDifferentPrimaries));
+    return true;
 }

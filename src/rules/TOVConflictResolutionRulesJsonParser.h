@@ -15,7 +15,8 @@ class TOVConflictResolutionRulesJsonParser
 public:
     ~TOVConflictResolutionRulesJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool readRule(tovjson::Value& ruleObject, std::string& objectType,
+                  TOVLifecycleBusinessRules* store) override;
 
 protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;

@@ -22,13 +22,12 @@ void TOVFileConstraintsRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kUpdateFile);
 }
 
-bool TOVFileConstraintsRulesJsonParser::parseSection(tovjson::Value& root,
-                                                     TOVLifecycleBusinessRules* store) {
-    return parseStringRulesSection(
-        root, sectionKeyword(), {kAttribute, kFromValue, kToValue, kUpdateFile},
-        [store](const std::string& objectType, const std::vector<std::string>& values) {
-            store->appendNewFileConstraintRule(
-                TOVFileConstraint(objectType, values[0], values[1], values[2], values[3]));
-        },
-        [store](std::size_t count) { store->reserveRules<TOVFileConstraint>(count); });
+bool TOVFileConstraintsRulesJsonParser::readRule(tovjson::Value& ruleObject,
+                                                 std::string& objectType,
+                                                 TOVLifecycleBusinessRules* store) {
+    return readStringRule(ruleObject, objectType, {kAttribute, kFromValue, kToValue, kUpdateFile},
+                          [store](const std::string& type, const std::vector<std::string>& values) {
+                              store->appendNewFileConstraintRule(TOVFileConstraint(
+                                  type, values[0], values[1], values[2], values[3]));
+                          });
 }

@@ -1,22 +1,17 @@
 #include "rules/TOVInitializationJsonParser.h"
 
 #include <cstddef>
+#include <cstdio>
 
-#include "rules/TOVConflictResolutionRulesJsonParser.h"
-#include "rules/TOVFileConstraintsRulesJsonParser.h"
-#include "rules/TOVLinkRulesJsonParsers.h"
-#include "rules/TOVTransitionFreezeRulesJsonParser.h"
-#include "rules/TOVTransitionRulesJsonParser.h"
-#include "rules/TOVTriggersRulesJsonParser.h"
-#include "rules/TOVVersioningSelectionRulesJsonParser.h"
+#include "json/document_walk.h"
 #include "rules/rule_kinds.h"
-#include "tov/TOVLifecycleBusinessRules.h"
+#include "rules/rules_document_walker.h"
 
 namespace {
 
 // Whether the parsers stand in the table's reading order, one per kind.
 template <typename... SectionParsers>
-constexpr bool inReadingOrder() {
+constexpr bool inReadingOrder(const std::tuple<SectionParsers...>* /*sections*/) {
     std::size_t position = 0;
     return sizeof...(SectionParsers) == TOVRuleKindCount &&
            ((rulekinds::wordsOf(SectionParsers::kKind).readingPosition == position++) && ...);
@@ -30,20 +25,13 @@ TOVInitializationJsonParser::TOVInitializationJsonParser(TOVLifecycleBusinessRul
 TOVInitializationJsonParser::~TOVInitializationJsonParser() = default;
 
 bool TOVInitializationJsonParser::load(const std::string& input, bool inputIsFilePath) {
-    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
-}
-
-template <typename... SectionParsers>
-bool TOVInitializationJsonParser::parseSections() {
-    static_assert(inReadingOrder<SectionParsers...>(),
-                  "the section parsers run in the reading order of the table of kinds");
-    const auto noteSection = [this](const auto& section) {
-        const std::string comment = section.getParsingErrorComment();
-        if (!comment.empty()) {
-            sectionFaults.emplace_back(section.sectionKeyword(), comment);
-        }
-    };
-    return runSectionParsersNoting<SectionParsers...>(noteSection, document, store);
+    static_assert(inReadingOrder(static_cast<const Sections*>(nullptr)),
+                  "the section parsers stand in the reading order of the table of kinds");
+    const RulesDocumentWalker::SectionReaders readers = std::apply(
+        [](auto&... section) { return RulesDocumentWalker::SectionReaders{&section...}; },
+        sections);
+    RulesDocumentWalker walker(readers, store);
+    return walkJsonInput(input, inputIsFilePath, walker);
 }
 
 bool TOVInitializationJsonParser::parseAllSections() {
@@ -51,9 +39,19 @@ bool TOVInitializationJsonParser::parseAllSections() {
         return false;
     }
     // The order of the sections is the order of their messages.
-    return parseSections<TOVTriggersRulesJsonParser, TOVTransitionRulesJsonParser,
-                         TOVTransitionFreezeRulesJsonParser, TOVFileConstraintsRulesJsonParser,
-                         TOVConflictResolutionRulesJsonParser,
-                         TOVVersioningSelectionRulesJsonParser, TOVHistoryLinkRulesJsonParser,
-                         TOVManualLinkRulesJsonParser>();
+    std::apply(
+        [this](const auto&... section) {
+            const auto join = [this](const auto& one) {
+                const std::string comment = one.getParsingErrorComment();
+                appendToParsingErrorComment(comment.c_str());
+                updateParsingResult(one.getParsingResult());
+                if (!comment.empty()) {
+                    sectionFaults.emplace_back(one.sectionKeyword(), comment);
+                }
+                std::fputs(one.getNotices().c_str(), stdout);
+            };
+            (join(section), ...);
+        },
+        sections);
+    return getParsingResult();
 }

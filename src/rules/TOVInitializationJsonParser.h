@@ -2,16 +2,23 @@
 #define TOV_RULES_TOVINITIALIZATIONJSONPARSER_H_
 
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "json/TOVJsonParser.h"
-#include "json/json_types.h"
+#include "rules/TOVConflictResolutionRulesJsonParser.h"
+#include "rules/TOVFileConstraintsRulesJsonParser.h"
+#include "rules/TOVLinkRulesJsonParsers.h"
+#include "rules/TOVTransitionFreezeRulesJsonParser.h"
+#include "rules/TOVTransitionRulesJsonParser.h"
+#include "rules/TOVTriggersRulesJsonParser.h"
+#include "rules/TOVVersioningSelectionRulesJsonParser.h"
 
 class TOVLifecycleBusinessRules;
 
-// The top parser of the rules document: runs the eight section parsers and
-// joins their errors.
+// The top parser of the rules document: reads it as it streams by, each
+// section through its own parser, and joins their errors.
 class TOVInitializationJsonParser : public TOVJsonParser {
 public:
     // Each section's key and what its parser said, for a section that failed.
@@ -20,10 +27,13 @@ public:
     explicit TOVInitializationJsonParser(TOVLifecycleBusinessRules* store);
     ~TOVInitializationJsonParser() override;
 
-    // Loads the document from the path of a file or from JSON text.
+    // Reads the document from the path of a file or from JSON text, appending
+    // the rules of every section to the store as they come. On false the
+    // document was no JSON object and the store holds a part of it, which the
+    // caller must drop.
     bool load(const std::string& input, bool inputIsFilePath);
-    // Every section runs, whatever happened to those before, so one response
-    // tells the first error of each.
+    // Joins what each section said, in the table's reading order whatever the
+    // order of the document, so one response tells the first error of each.
     bool parseAllSections();
 
     // The comment of each section that failed, in the order of the comment,
@@ -32,12 +42,15 @@ public:
     const SectionFaults& getSectionFaults() const { return sectionFaults; }
 
 private:
-    // Runs the section parsers, which must come in the table's reading order.
-    template <typename... SectionParsers>
-    bool parseSections();
+    // One parser per section, in the table's reading order.
+    using Sections =
+        std::tuple<TOVTriggersRulesJsonParser, TOVTransitionRulesJsonParser,
+                   TOVTransitionFreezeRulesJsonParser, TOVFileConstraintsRulesJsonParser,
+                   TOVConflictResolutionRulesJsonParser, TOVVersioningSelectionRulesJsonParser,
+                   TOVHistoryLinkRulesJsonParser, TOVManualLinkRulesJsonParser>;
 
     TOVLifecycleBusinessRules* store;
-    tovjson::Document document;
+    Sections sections;
     SectionFaults sectionFaults;
 };
 

@@ -81,23 +81,18 @@ void TOVHistoryLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::str
     pushLinkKeywords(kAcceptableHistoryLinkValues, keywords);
 }
 
-bool TOVHistoryLinkRulesJsonParser::parseSection(tovjson::Value& root,
-                                                 TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, sectionKeyword(),
-        [&](tovjson::Value& ruleObject, std::string& objectType) {
-            LinkRuleReader<TOVHistoryLinkRulesJsonParser>::LinkRuleKeywords keywords;
-            if (!LinkRuleReader<TOVHistoryLinkRulesJsonParser>::read(
-                    *this, ruleObject, objectType, kAcceptableHistoryLinkValues, keywords)) {
-                return false;
-            }
-            changeAllToAny(objectType);
-            store->appendNewHistoryLinkRule(TOVHistoryLink(objectType, keywords.attribute,
-                                                           keywords.fromValue, keywords.toValue,
-                                                           keywords.acceptableValues));
-            return true;
-        },
-        [store](std::size_t count) { store->reserveRules<TOVHistoryLink>(count); });
+bool TOVHistoryLinkRulesJsonParser::readRule(tovjson::Value& ruleObject, std::string& objectType,
+                                             TOVLifecycleBusinessRules* store) {
+    LinkRuleReader<TOVHistoryLinkRulesJsonParser>::LinkRuleKeywords keywords;
+    if (!LinkRuleReader<TOVHistoryLinkRulesJsonParser>::read(
+            *this, ruleObject, objectType, kAcceptableHistoryLinkValues, keywords)) {
+        return false;
+    }
+    changeAllToAny(objectType);
+    store->appendNewHistoryLinkRule(TOVHistoryLink(objectType, keywords.attribute,
+                                                   keywords.fromValue, keywords.toValue,
+                                                   keywords.acceptableValues));
+    return true;
 }
 
 TOVManualLinkRulesJsonParser::~TOVManualLinkRulesJsonParser() = default;
@@ -106,21 +101,15 @@ void TOVManualLinkRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
     pushLinkKeywords(kAcceptableManualLinkValues, keywords);
 }
 
-bool TOVManualLinkRulesJsonParser::parseSection(tovjson::Value& root,
-                                                TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, sectionKeyword(),
-        [&](tovjson::Value& ruleObject, std::string& objectType) {
-            LinkRuleReader<TOVManualLinkRulesJsonParser>::LinkRuleKeywords keywords;
-            if (!LinkRuleReader<TOVManualLinkRulesJsonParser>::read(
-                    *this, ruleObject, objectType, kAcceptableManualLinkValues, keywords)) {
-                return false;
-            }
-            changeAllToAny(objectType);
-            store->appendNewManualLinkRule(TOVManualLink(objectType, keywords.attribute,
-                                                         keywords.fromValue, keywords.toValue,
-                                                         keywords.acceptableValues));
-            return true;
-        },
-        [store](std::size_t count) { store->reserveRules<TOVManualLink>(count); });
+bool TOVManualLinkRulesJsonParser::readRule(tovjson::Value& ruleObject, std::string& objectType,
+                                            TOVLifecycleBusinessRules* store) {
+    LinkRuleReader<TOVManualLinkRulesJsonParser>::LinkRuleKeywords keywords;
+    if (!LinkRuleReader<TOVManualLinkRulesJsonParser>::read(
+            *this, ruleObject, objectType, kAcceptableManualLinkValues, keywords)) {
+        return false;
+    }
+    changeAllToAny(objectType);
+    store->appendNewManualLinkRule(TOVManualLink(objectType, keywords.attribute, keywords.fromValue,
+                                                 keywords.toValue, keywords.acceptableValues));
+    return true;
 }

@@ -20,7 +20,8 @@ class TOVHistoryLinkRulesJsonParser : public RuleSectionParser<TOVRuleKind_Histo
 public:
     ~TOVHistoryLinkRulesJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool readRule(tovjson::Value& ruleObject, std::string& objectType,
+                  TOVLifecycleBusinessRules* store) override;
 
 protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;
@@ -33,7 +34,8 @@ class TOVManualLinkRulesJsonParser : public RuleSectionParser<TOVRuleKind_Manual
 public:
     ~TOVManualLinkRulesJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool readRule(tovjson::Value& ruleObject, std::string& objectType,
+                  TOVLifecycleBusinessRules* store) override;
 
 protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;

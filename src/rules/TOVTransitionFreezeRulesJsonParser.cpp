@@ -20,13 +20,13 @@ void TOVTransitionFreezeRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kFreezeConditionValue);
 }
 
-bool TOVTransitionFreezeRulesJsonParser::parseSection(tovjson::Value& root,
-                                                      TOVLifecycleBusinessRules* store) {
-    return parseStringRulesSection(
-        root, sectionKeyword(), {kAttribute, kFreezeConditionAttribute, kFreezeConditionValue},
-        [store](const std::string& objectType, const std::vector<std::string>& values) {
-            store->appendNewTransitionFreezeRule(
-                TOVTransitionFreeze(objectType, values[0], values[1], values[2]));
-        },
-        [store](std::size_t count) { store->reserveRules<TOVTransitionFreeze>(count); });
+bool TOVTransitionFreezeRulesJsonParser::readRule(tovjson::Value& ruleObject,
+                                                  std::string& objectType,
+                                                  TOVLifecycleBusinessRules* store) {
+    return readStringRule(ruleObject, objectType,
+                          {kAttribute, kFreezeConditionAttribute, kFreezeConditionValue},
+                          [store](const std::string& type, const std::vector<std::string>& values) {
+                              store->appendNewTransitionFreezeRule(
+                                  TOVTransitionFreeze(type, values[0], values[1], values[2]));
+                          });
 }

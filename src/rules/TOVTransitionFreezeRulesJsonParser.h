@@ -14,7 +14,8 @@ class TOVTransitionFreezeRulesJsonParser : public RuleSectionParser<TOVRuleKind_
 public:
     ~TOVTransitionFreezeRulesJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool readRule(tovjson::Value& ruleObject, std::string& objectType,
+                  TOVLifecycleBusinessRules* store) override;
 
 protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;

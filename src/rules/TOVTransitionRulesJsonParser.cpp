@@ -1,7 +1,5 @@
 #include "rules/TOVTransitionRulesJsonParser.h"
 
-#include <cstdio>
-
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVTransition.h"
 #include "tov/string_helpers.h"
@@ -24,43 +22,37 @@ void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
     keywords.emplace_back(kToValue);
 }
 
-bool TOVTransitionRulesJsonParser::parseSection(tovjson::Value& root,
-                                                TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, sectionKeyword(),
-        [&](tovjson::Value& ruleObject, std::string& objectType) {
-            std::string attribute;
-            std::string fromValue;
-            std::vector<std::string> toValues;
-            for (auto& member : ruleObject.GetObject()) {
-                const std::string keyword = getMemberName(member.name);
-                bool collected = true;
-                if (keyword == kAttribute) {
-                    collected = collectStringFromValue(member.value, attribute);
-                } else if (keyword == kFromValue) {
-                    collected = collectStringFromValue(member.value, fromValue);
-                } else if (keyword == kToValue) {
-                    // A repeated "toValue" adds to the list instead of replacing it.
-                    collected = collectStringsFromArray(member.value, toValues);
-                } else if (keyword == kAllowJumps) {
-                    std::fputs("We do not support the allowJumps keyword in the Transition Rule.\n",
-                               stdout);
-                } else if (keyword == kAllowReverse) {
-                    std::fputs("We do not support the allowReverse keyword in the Transition Rule.",
-                               stdout);
-                }
-                if (!collected) {
-                    // Also a bad "toValue" list is reported as a bad single value.
-                    return failWith(attributeValueStringParsingError(objectType, keyword));
-                }
-            }
-            if (objectType.empty() || attribute.empty() || fromValue.empty() || toValues.empty()) {
-                return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
-            }
-            changeAllToAny(objectType);
-            store->appendNewTransitionRule(
-                TOVTransition(objectType, attribute, fromValue, toValues));
-            return true;
-        },
-        [store](std::size_t count) { store->reserveRules<TOVTransition>(count); });
+bool TOVTransitionRulesJsonParser::readRule(tovjson::Value& ruleObject, std::string& objectType,
+                                            TOVLifecycleBusinessRules* store) {
+    std::string attribute;
+    std::string fromValue;
+    std::vector<std::string> toValues;
+    for (auto& member : ruleObject.GetObject()) {
+        // Names are compared where they lie: a rule is read for every one of
+        // a large document, and the name is needed as text only for a fault.
+        const tovjson::Value& name = member.name;
+        bool collected = true;
+        if (isMemberNamed(name, kAttribute)) {
+            collected = collectStringFromValue(member.value, attribute);
+        } else if (isMemberNamed(name, kFromValue)) {
+            collected = collectStringFromValue(member.value, fromValue);
+        } else if (isMemberNamed(name, kToValue)) {
+            // A repeated "toValue" adds to the list instead of replacing it.
+            collected = collectStringsFromArray(member.value, toValues);
+        } else if (isMemberNamed(name, kAllowJumps)) {
+            notice("We do not support the allowJumps keyword in the Transition Rule.\n");
+        } else if (isMemberNamed(name, kAllowReverse)) {
+            notice("We do not support the allowReverse keyword in the Transition Rule.");
+        }
+        if (!collected) {
+            // Also a bad "toValue" list is reported as a bad single value.
+            return failWith(attributeValueStringParsingError(objectType, getMemberName(name)));
+        }
+    }
+    if (objectType.empty() || attribute.empty() || fromValue.empty() || toValues.empty()) {
+        return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
+    }
+    changeAllToAny(objectType);
+    store->appendNewTransitionRule(TOVTransition(objectType, attribute, fromValue, toValues));
+    return true;
 }

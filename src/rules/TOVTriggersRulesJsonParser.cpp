@@ -19,12 +19,11 @@ void TOVTriggersRulesJsonParser::getAllNecessaryKeywords(std::vector<std::string
     keywords.emplace_back(kTriggerInitialize);
 }
 
-bool TOVTriggersRulesJsonParser::parseSection(tovjson::Value& root,
-                                              TOVLifecycleBusinessRules* store) {
-    return parseStringRulesSection(
-        root, sectionKeyword(), {kAttribute, kTriggerInitialize, kInitializationValue},
-        [store](const std::string& objectType, const std::vector<std::string>& values) {
-            store->appendNewTriggerRule(TOVTrigger(objectType, values[0], values[1], values[2]));
-        },
-        [store](std::size_t count) { store->reserveRules<TOVTrigger>(count); });
+bool TOVTriggersRulesJsonParser::readRule(tovjson::Value& ruleObject, std::string& objectType,
+                                          TOVLifecycleBusinessRules* store) {
+    return readStringRule(
+        ruleObject, objectType, {kAttribute, kTriggerInitialize, kInitializationValue},
+        [store](const std::string& type, const std::vector<std::string>& values) {
+            store->appendNewTriggerRule(TOVTrigger(type, values[0], values[1], values[2]));
+        });
 }

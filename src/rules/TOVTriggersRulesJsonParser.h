@@ -14,7 +14,8 @@ class TOVTriggersRulesJsonParser : public RuleSectionParser<TOVRuleKind_Trigger>
 public:
     ~TOVTriggersRulesJsonParser() override;
 
-    bool parseSection(tovjson::Value& root, TOVLifecycleBusinessRules* store);
+    bool readRule(tovjson::Value& ruleObject, std::string& objectType,
+                  TOVLifecycleBusinessRules* store) override;
 
 protected:
     void getAllNecessaryKeywords(std::vector<std::string>& keywords) override;

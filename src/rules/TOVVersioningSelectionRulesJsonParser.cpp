@@ -23,54 +23,49 @@ void TOVVersioningSelectionRulesJsonParser::getAllNecessaryKeywords(
     keywords.emplace_back(kVersioningOption);
 }
 
-bool TOVVersioningSelectionRulesJsonParser::parseSection(tovjson::Value& root,
-                                                         TOVLifecycleBusinessRules* store) {
-    return parseRulesSection(
-        root, sectionKeyword(),
-        [&](tovjson::Value& ruleObject, std::string& objectType) {
-            std::string conditionAttribute1;
-            std::vector<std::string> conditionValues1;
-            std::string conditionAttribute2;
-            std::vector<std::string> conditionValues2;
-            std::vector<std::string> versioningOptions;
+bool TOVVersioningSelectionRulesJsonParser::readRule(tovjson::Value& ruleObject,
+                                                     std::string& objectType,
+                                                     TOVLifecycleBusinessRules* store) {
+    std::string conditionAttribute1;
+    std::vector<std::string> conditionValues1;
+    std::string conditionAttribute2;
+    std::vector<std::string> conditionValues2;
+    std::vector<std::string> versioningOptions;
 
-            for (auto& member : ruleObject.GetObject()) {
-                const std::string keyword = getMemberName(member.name);
-                std::string* text = nullptr;
-                std::vector<std::string>* list = nullptr;
-                if (keyword == kConditionAttribute1) {
-                    text = &conditionAttribute1;
-                } else if (keyword == kConditionAttribute2) {
-                    text = &conditionAttribute2;
-                } else if (keyword == kConditionValue1) {
-                    list = &conditionValues1;
-                } else if (keyword == kConditionValue2) {
-                    list = &conditionValues2;
-                } else if (keyword == kVersioningOption) {
-                    list = &versioningOptions;
-                } else {
-                    // Keywords of no meaning to this rule are passed over.
-                    continue;
-                }
-                if (text != nullptr && !collectStringFromValue(member.value, *text)) {
-                    return failWith(attributeValueStringParsingError(objectType, keyword));
-                }
-                if (list != nullptr && !collectStringsFromArray(member.value, *list)) {
-                    return failWith(attributeValuesStringListParsingError(objectType, keyword));
-                }
-            }
+    for (auto& member : ruleObject.GetObject()) {
+        const std::string keyword = getMemberName(member.name);
+        std::string* text = nullptr;
+        std::vector<std::string>* list = nullptr;
+        if (keyword == kConditionAttribute1) {
+            text = &conditionAttribute1;
+        } else if (keyword == kConditionAttribute2) {
+            text = &conditionAttribute2;
+        } else if (keyword == kConditionValue1) {
+            list = &conditionValues1;
+        } else if (keyword == kConditionValue2) {
+            list = &conditionValues2;
+        } else if (keyword == kVersioningOption) {
+            list = &versioningOptions;
+        } else {
+            // Keywords of no meaning to this rule are passed over.
+            continue;
+        }
+        if (text != nullptr && !collectStringFromValue(member.value, *text)) {
+            return failWith(attributeValueStringParsingError(objectType, keyword));
+        }
+        if (list != nullptr && !collectStringsFromArray(member.value, *list)) {
+            return failWith(attributeValuesStringListParsingError(objectType, keyword));
+        }
+    }
 
-            if (conditionAttribute1.empty() || conditionValues1.empty() ||
-                versioningOptions.empty()) {
-                return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
-            }
+    if (conditionAttribute1.empty() || conditionValues1.empty() || versioningOptions.empty()) {
+        return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
+    }
 
-            changeAllToAny(objectType);
-            // The second condition goes in even when half-given; the rule leaves it out.
-            store->appendNewVersioningAttrSelectionRule(
-                TOVVersioningSelection(objectType, conditionAttribute1, conditionValues1,
-                                       conditionAttribute2, conditionValues2, versioningOptions));
-            return true;
-        },
-        [store](std::size_t count) { store->reserveRules<TOVVersioningSelection>(count); });
+    changeAllToAny(objectType);
+    // The second condition goes in even when half-given; the rule leaves it out.
+    store->appendNewVersioningAttrSelectionRule(
+        TOVVersioningSelection(objectType, conditionAttribute1, conditionValues1,
+                               conditionAttribute2, conditionValues2, versioningOptions));
+    return true;
 }
