@@ -1,8 +1,6 @@
 #include "batch_line.h"
 
-#include <rapidjson/encodedstream.h>
 #include <rapidjson/error/en.h>
-#include <rapidjson/memorystream.h>
 
 #include <algorithm>
 #include <cmath>
@@ -71,6 +69,35 @@ std::size_t valueBegin(const std::string& line, std::size_t nameEnd) {
     return position;
 }
 
+// A copy of a line as RapidJSON's reader takes it in place: RapidJSON's
+// InsituStringStream over the string's own terminator, which stands for the
+// end, so that no byte needs a test of the end, and whose strings are
+// unescaped where they stand instead of on the reader's stack; but a type of
+// its own, since the reader works on a copy of RapidJSON's stream while it
+// reads a value, and a handler would see its place before the value instead
+// of after it.
+class LineStream {
+public:
+    using Ch = char;
+
+    explicit LineStream(char* text) : next(text), start(text) {}
+
+    char Peek() const { return *next; }
+    char Take() { return *next++; }
+    std::size_t Tell() const { return static_cast<std::size_t>(next - start); }
+
+    // A string is written back over its own text, never ahead of the reading.
+    char* PutBegin() { return written = next; }
+    void Put(char c) { *written++ = c; }
+    void Flush() {}
+    std::size_t PutEnd(char* begin) { return static_cast<std::size_t>(written - begin); }
+
+private:
+    char* next;
+    char* start;
+    char* written = nullptr;
+};
+
 // One pass of the reader over a line, keeping what the tree's FindMember
 // would find: the first "id", "kind" and "request" of the root object, the
 // kind by its value and the other two by the place of their text in the line.
@@ -83,7 +110,7 @@ public:
         std::size_t end = 0;     // just past the value
     };
 
-    explicit LineScan(const rapidjson::MemoryStream& bytes) : bytes(bytes) {}
+    explicit LineScan(const LineStream& bytes) : bytes(bytes) {}
 
     bool Null() { return scalar(); }
     bool Bool(bool /*value*/) { return scalar(); }
@@ -176,7 +203,7 @@ private:
         return true;
     }
 
-    const rapidjson::MemoryStream& bytes;
+    const LineStream& bytes;
     std::size_t depth = 0;
     Member* current = nullptr;  // the member whose value comes next, at depth 1
     Member* reading = nullptr;  // the member whose container value is open
@@ -189,14 +216,22 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     if (isBlank(line)) {
         return errorAnswer(lineNumber, "empty line", nullptr, format);
     }
-    // Read as the tree reads it: the same stream, byte order mark and all.
-    rapidjson::MemoryStream bytes(line.data(), line.size());
-    rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
-    LineScan scan(bytes);
+    // Read as the tree reads the line: to its end or its first zero byte,
+    // whichever comes first, past the bytes of a byte order mark at its
+    // start, each on its own, with places counted from the line's start.
+    // The reader unescapes strings over the copy; the places stay the line's.
+    std::string copy = line;
+    LineStream stream(copy.data());
+    for (const unsigned char markByte : {0xEFU, 0xBBU, 0xBFU}) {
+        if (static_cast<unsigned char>(stream.Peek()) == markByte) {
+            stream.Take();
+        }
+    }
+    LineScan scan(stream);
     tovjson::Reader reader;
     // Iterative, so that a deeply nested line cannot overflow the stack.
     const rapidjson::ParseResult parsed =
-        reader.Parse<rapidjson::kParseIterativeFlag>(stream, scan);
+        reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseInsituFlag>(stream, scan);
     if (parsed.IsError()) {
         return errorAnswer(lineNumber,
                            std::string("not JSON: ") + rapidjson::GetParseError_En(parsed.Code()) +
