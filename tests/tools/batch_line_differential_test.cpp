@@ -11,6 +11,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "batch_line.h"
@@ -21,6 +22,11 @@
 namespace {
 
 using tovcli::OutputFormat;
+using namespace std::string_literals;
+
+const std::string& pick(std::mt19937& random, const std::vector<std::string>& choices) {
+    return choices[random() % choices.size()];
+}
 
 std::string examplePath(const std::string& name) {
     return std::string(TOV_EXAMPLES_DIR) + "/" + name;
@@ -65,12 +71,12 @@ private:
     bool oneIn(unsigned n) { return random() % n == 0; }
 
     void space() {
-        static const char* const kSpaces[] = {"", "", "", " ", "\t", "\r", "  \t "};
-        out += kSpaces[random() % (sizeof(kSpaces) / sizeof(kSpaces[0]))];
+        static const std::vector<std::string> kSpaces = {"", "", "", " ", "\t", "\r", "  \t "};
+        out += pick(random, kSpaces);
     }
 
     void string(const char* text, std::size_t length) {
-        static const char kHex[] = "0123456789abcdef";
+        const std::string_view kHex = "0123456789abcdef";
         out += '"';
         for (std::size_t i = 0; i < length; ++i) {
             const auto byte = static_cast<unsigned char>(text[i]);
@@ -85,33 +91,33 @@ private:
             }
         }
         if (oneIn(40)) {
-            static const char* const kOddities[] = {"\\u0000",  "\\ud83d\\ude00", "\\udc00",
-                                                    "\xc3\xa9", "\xff\xfe",       "\\u00e9"};
-            out += kOddities[random() % (sizeof(kOddities) / sizeof(kOddities[0]))];
+            static const std::vector<std::string> kOddities = {
+                "\\u0000", "\\ud83d\\ude00", "\\udc00", "\xc3\xa9", "\xff\xfe", "\\u00e9"};
+            out += pick(random, kOddities);
         }
         out += '"';
     }
 
     void number() {
-        static const char* const kNumbers[] = {"0",
-                                               "-0",
-                                               "1.0",
-                                               "-0.0",
-                                               "1e2",
-                                               "1E+2",
-                                               "0.1000000000000000055511151231257827",
-                                               "1e-400",
-                                               "10e308",
-                                               "-1.8e308",
-                                               "12345678901234567890123",
-                                               "18446744073709551615",
-                                               "9223372036854775808",
-                                               "-9223372036854775809",
-                                               "2.2250738585072011e-308",
-                                               "5e-324",
-                                               "1.7976931348623157e308",
-                                               "123456789012345678"};
-        out += kNumbers[random() % (sizeof(kNumbers) / sizeof(kNumbers[0]))];
+        static const std::vector<std::string> kNumbers = {"0",
+                                                          "-0",
+                                                          "1.0",
+                                                          "-0.0",
+                                                          "1e2",
+                                                          "1E+2",
+                                                          "0.1000000000000000055511151231257827",
+                                                          "1e-400",
+                                                          "10e308",
+                                                          "-1.8e308",
+                                                          "12345678901234567890123",
+                                                          "18446744073709551615",
+                                                          "9223372036854775808",
+                                                          "-9223372036854775809",
+                                                          "2.2250738585072011e-308",
+                                                          "5e-324",
+                                                          "1.7976931348623157e308",
+                                                          "123456789012345678"};
+        out += pick(random, kNumbers);
     }
 
     void scalarInstead() {
@@ -205,20 +211,20 @@ std::string nested(std::size_t depth, const std::string& inside) {
 // and of every type, around requests of the scenario.
 std::string framedLine(std::mt19937& random, const std::vector<std::string>& requests) {
     const std::string& request = requests[random() % requests.size()];
-    static const char* const kKinds[] = {"\"edit\"",
-                                         "\"save\"",
-                                         "\"options\"",
-                                         "\"link\"",
-                                         "\"edit-before-resolution\"",
-                                         "\"e\\u0064it\"",
-                                         "\"edit\\u0000\"",
-                                         "\"rules\"",
-                                         "\"nothing\"",
-                                         "3",
-                                         "null",
-                                         "{\"kind\":\"edit\"}",
-                                         "[\"edit\"]"};
-    static const char* const kIds[] = {
+    static const std::vector<std::string> kKinds = {"\"edit\"",
+                                                    "\"save\"",
+                                                    "\"options\"",
+                                                    "\"link\"",
+                                                    "\"edit-before-resolution\"",
+                                                    "\"e\\u0064it\"",
+                                                    "\"edit\\u0000\"",
+                                                    "\"rules\"",
+                                                    "\"nothing\"",
+                                                    "3",
+                                                    "null",
+                                                    "{\"kind\":\"edit\"}",
+                                                    "[\"edit\"]"};
+    static const std::vector<std::string> kIds = {
         "1",  "\"a\"", "null",   "[1,2]", "{\"x\":{\"y\":[]}}", "\"\\u0000\\n\"",
         "-0", "1e2",   "10e308", "true"};
     std::vector<std::string> members;
@@ -227,17 +233,14 @@ std::string framedLine(std::mt19937& random, const std::vector<std::string>& req
         switch (random() % 7) {
             case 0:
             case 1:
-                members.push_back(
-                    "\"kind\":" +
-                    std::string(kKinds[random() % (sizeof(kKinds) / sizeof(kKinds[0]))]));
+                members.push_back("\"kind\":" + std::string(pick(random, kKinds)));
                 break;
             case 2:
             case 3:
                 members.push_back("\"request\" : " + request);
                 break;
             case 4:
-                members.push_back("\"id\":" +
-                                  std::string(kIds[random() % (sizeof(kIds) / sizeof(kIds[0]))]));
+                members.push_back("\"id\":" + std::string(pick(random, kIds)));
                 break;
             case 5:
                 members.push_back(random() % 2 == 0 ? "\"req\\u0075est\":\"x\""
@@ -252,11 +255,11 @@ std::string framedLine(std::mt19937& random, const std::vector<std::string>& req
 
 // A byte or a few changed, dropped or added anywhere, as a sender's fault.
 void mutateBytes(std::mt19937& random, std::string& line) {
-    static const char kBytes[] = "{}[]\":,\\ u0e1-.\x00\xef\xbb\xbf\r\t";
+    static const std::string kBytes = "{}[]\":,\\ u0e1-.\0\xef\xbb\xbf\r\t"s;
     const unsigned edits = 1 + random() % 3;
     for (unsigned i = 0; i < edits; ++i) {
         const std::size_t at = line.empty() ? 0 : random() % (line.size() + 1);
-        const char byte = kBytes[random() % (sizeof(kBytes) - 1)];
+        const char byte = kBytes[random() % kBytes.size()];
         switch (random() % 3) {
             case 0:
                 line.insert(line.begin() + static_cast<std::ptrdiff_t>(at), byte);
