@@ -1,9 +1,10 @@
 // The tov program's batch line reader, over the example documents. The input
 // is cut into lines as the program cuts its input; each line is answered in
-// both output forms. Every answer must be one line of JSON holding an object,
-// and the program's own objects never repeat a key (the library's single
-// string may, for keys that differ only in white space, and a line's "id" is
-// handed back as it came).
+// both output forms, and both ways: from the request's own text and from the
+// line's tree, which must agree. Every answer must be one line of JSON
+// holding an object, and the program's own objects never repeat a key (the
+// library's single string may, for keys that differ only in white space, and
+// a line's "id" is handed back as it came).
 
 #include <algorithm>
 #include <cstddef>
@@ -74,7 +75,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string line = input.substr(start, end - start);
         ++lineNumber;
         for (const OutputFormat format : {OutputFormat::kText, OutputFormat::kJson}) {
-            checkAnswer(tovcli::answerBatchLine(line, lineNumber, judge, format), format);
+            const tovcli::BatchAnswer answer =
+                tovcli::answerBatchLine(line, lineNumber, judge, format);
+            checkAnswer(answer, format);
+            // The request's own text must answer as the text written back from the tree.
+            const tovcli::BatchAnswer fromTree =
+                tovcli::answerBatchLineFromTree(line, lineNumber, judge, format);
+            if (answer.text != fromTree.text || answer.wasRequest != fromTree.wasRequest) {
+                tovfuzz::fail("the line's text answered " + answer.text + " but the tree's " +
+                              fromTree.text);
+            }
         }
         start = end + 1;
     }

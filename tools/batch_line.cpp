@@ -3,6 +3,9 @@
 #include <rapidjson/error/en.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string_view>
 
 namespace tovcli {
 
@@ -35,10 +38,245 @@ bool isBlank(const std::string& line) {
                        [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
 }
 
+BatchAnswer answerFromResponse(const TOVResponse& response, const tovjson::Value* id,
+                               OutputFormat format) {
+    if (format == OutputFormat::kText) {
+        return {response.turnResponseIntoASingleString(), true};
+    }
+    tovjson::StringBuffer buffer;
+    JsonWriter writer(buffer);
+    startAnswer(writer, id, format);
+    writeResponseMembers(writer, response);
+    writer.EndObject();
+    return {{buffer.GetString(), buffer.GetSize()}, true};
+}
+
+bool isJsonSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// Where the value of a member starts, given where its name ended: past the
+// white space and the colon that the reader has already accepted.
+std::size_t valueBegin(const std::string& line, std::size_t nameEnd) {
+    std::size_t position = nameEnd;
+    while (isJsonSpace(line[position])) {
+        ++position;
+    }
+    ++position;  // the colon
+    while (isJsonSpace(line[position])) {
+        ++position;
+    }
+    return position;
+}
+
+// A copy of a line as RapidJSON's reader takes it in place: RapidJSON's
+// InsituStringStream over the string's own terminator, which stands for the
+// end, so that no byte needs a test of the end, and whose strings are
+// unescaped where they stand instead of on the reader's stack; but a type of
+// its own, since the reader works on a copy of RapidJSON's stream while it
+// reads a value, and a handler would see its place before the value instead
+// of after it.
+class LineStream {
+public:
+    using Ch = char;
+
+    explicit LineStream(char* text) : next(text), start(text) {}
+
+    char Peek() const { return *next; }
+    char Take() { return *next++; }
+    std::size_t Tell() const { return static_cast<std::size_t>(next - start); }
+
+    // A string is written back over its own text, never ahead of the reading.
+    char* PutBegin() { return written = next; }
+    void Put(char c) { *written++ = c; }
+    void Flush() {}
+    std::size_t PutEnd(char* begin) { return static_cast<std::size_t>(written - begin); }
+
+private:
+    char* next;
+    char* start;
+    char* written = nullptr;
+};
+
+// One pass of the reader over a line, keeping what the tree's FindMember
+// would find: the first "id", "kind" and "request" of the root object, the
+// kind by its value and the other two by the place of their text in the line.
+class LineScan : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, LineScan> {
+public:
+    struct Member {
+        bool seen = false;
+        std::size_t keyEnd = 0;  // just past the member's name
+        std::size_t begin = 0;   // of a container value, its opening bracket
+        std::size_t end = 0;     // just past the value
+    };
+
+    explicit LineScan(const LineStream& bytes) : bytes(bytes) {}
+
+    bool Null() { return scalar(); }
+    bool Bool(bool /*value*/) { return scalar(); }
+    bool Int(int /*value*/) { return scalar(); }
+    bool Uint(unsigned /*value*/) { return scalar(); }
+    bool Int64(std::int64_t /*value*/) { return scalar(); }
+    bool Uint64(std::uint64_t /*value*/) { return scalar(); }
+    bool Double(double value) {
+        // A number beyond a double's range reads as infinity, which the tree's
+        // way writes back as nothing: such a line must go that way.
+        if (!std::isfinite(value)) {
+            sawNonFiniteNumber = true;
+        }
+        return scalar();
+    }
+    bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
+        if (depth == 1 && current == &kind) {
+            kindIsString = true;
+            kindName.assign(text, length);
+        }
+        return scalar();
+    }
+    bool Key(const char* name, rapidjson::SizeType length, bool /*copy*/) {
+        if (depth == 1) {
+            current = firstNamed(std::string_view(name, length));
+            if (current != nullptr) {
+                current->seen = true;
+                current->keyEnd = bytes.Tell();
+            }
+        }
+        return true;
+    }
+    bool StartObject() { return open(true); }
+    bool StartArray() { return open(false); }
+    bool EndObject(rapidjson::SizeType /*members*/) { return close(); }
+    bool EndArray(rapidjson::SizeType /*elements*/) { return close(); }
+
+    bool rootIsObject = false;
+    bool sawNonFiniteNumber = false;
+    Member id;
+    Member kind;
+    Member request;
+    bool kindIsString = false;
+    std::string kindName;
+    bool requestIsObject = false;
+
+private:
+    // The member a name opens when it is the first of its name, else null.
+    Member* firstNamed(std::string_view name) {
+        Member* member = nullptr;
+        if (name == "id") {
+            member = &id;
+        } else if (name == "kind") {
+            member = &kind;
+        } else if (name == "request") {
+            member = &request;
+        }
+        return member != nullptr && !member->seen ? member : nullptr;
+    }
+
+    bool scalar() {
+        if (depth == 1 && current != nullptr) {
+            current->end = bytes.Tell();
+            current = nullptr;
+        }
+        return true;
+    }
+
+    bool open(bool isObject) {
+        if (depth == 0) {
+            rootIsObject = isObject;
+        } else if (depth == 1 && current != nullptr) {
+            current->begin = bytes.Tell();
+            if (current == &request) {
+                requestIsObject = isObject;
+            }
+            reading = current;
+            current = nullptr;
+        }
+        ++depth;
+        return true;
+    }
+
+    bool close() {
+        --depth;
+        if (depth == 1 && reading != nullptr) {
+            reading->end = bytes.Tell() + 1;
+            reading = nullptr;
+        }
+        return true;
+    }
+
+    const LineStream& bytes;
+    std::size_t depth = 0;
+    Member* current = nullptr;  // the member whose value comes next, at depth 1
+    Member* reading = nullptr;  // the member whose container value is open
+};
+
 }  // namespace
 
 BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
                             const RequestJudge& judge, OutputFormat format) {
+    if (isBlank(line)) {
+        return errorAnswer(lineNumber, "empty line", nullptr, format);
+    }
+    // Read as the tree reads the line: to its end or its first zero byte,
+    // whichever comes first, past the bytes of a byte order mark at its
+    // start, each on its own, with places counted from the line's start.
+    // The reader unescapes strings over the copy; the places stay the line's.
+    std::string copy = line;
+    LineStream stream(copy.data());
+    for (const unsigned char markByte : {0xEFU, 0xBBU, 0xBFU}) {
+        if (static_cast<unsigned char>(stream.Peek()) == markByte) {
+            stream.Take();
+        }
+    }
+    LineScan scan(stream);
+    tovjson::Reader reader;
+    // Iterative, so that a deeply nested line cannot overflow the stack.
+    const rapidjson::ParseResult parsed =
+        reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseInsituFlag>(stream, scan);
+    if (parsed.IsError()) {
+        return errorAnswer(lineNumber,
+                           std::string("not JSON: ") + rapidjson::GetParseError_En(parsed.Code()) +
+                               " (column " + std::to_string(parsed.Offset() + 1) + ")",
+                           nullptr, format);
+    }
+    if (scan.sawNonFiniteNumber) {
+        return answerBatchLineFromTree(line, lineNumber, judge, format);
+    }
+    if (!scan.rootIsObject) {
+        return errorAnswer(lineNumber, "not a JSON object", nullptr, format);
+    }
+    tovjson::Document idTree;
+    const tovjson::Value* id = nullptr;
+    if (scan.id.seen && format == OutputFormat::kJson) {
+        const std::size_t begin = valueBegin(line, scan.id.keyEnd);
+        idTree.Parse<rapidjson::kParseIterativeFlag>(line.data() + begin, scan.id.end - begin);
+        id = &idTree;
+    }
+    if (!scan.kind.seen) {
+        return errorAnswer(lineNumber, "missing \"kind\"", id, format);
+    }
+    if (!scan.kindIsString) {
+        return errorAnswer(lineNumber, "\"kind\" is not a string", id, format);
+    }
+    const RequestKind* requestKind = findRequestKind(scan.kindName);
+    if (requestKind == nullptr) {
+        return errorAnswer(
+            lineNumber,
+            "unknown kind \"" + scan.kindName + "\"; expected " + requestKindNamesInWords(), id,
+            format);
+    }
+    if (!scan.request.seen) {
+        return errorAnswer(lineNumber, "missing \"request\"", id, format);
+    }
+    if (!scan.requestIsObject) {
+        return errorAnswer(lineNumber, "\"request\" is not a JSON object", id, format);
+    }
+    const TOVResponse response =
+        judge(*requestKind, line.substr(scan.request.begin, scan.request.end - scan.request.begin));
+    return answerFromResponse(response, id, format);
+}
+
+BatchAnswer answerBatchLineFromTree(const std::string& line, std::size_t lineNumber,
+                                    const RequestJudge& judge, OutputFormat format) {
     if (isBlank(line)) {
         return errorAnswer(lineNumber, "empty line", nullptr, format);
     }
@@ -83,15 +321,7 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     writeValue(requestWriter, request->value);
     const TOVResponse response =
         judge(*requestKind, std::string(requestText.GetString(), requestText.GetSize()));
-    if (format == OutputFormat::kText) {
-        return {response.turnResponseIntoASingleString(), true};
-    }
-    tovjson::StringBuffer buffer;
-    JsonWriter writer(buffer);
-    startAnswer(writer, id, format);
-    writeResponseMembers(writer, response);
-    writer.EndObject();
-    return {{buffer.GetString(), buffer.GetSize()}, true};
+    return answerFromResponse(response, id, format);
 }
 
 void trimBatchLine(std::string& line, bool firstLine) {

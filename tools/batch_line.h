@@ -31,8 +31,16 @@ struct BatchAnswer {
 // gets the response's single-string form; in JSON form the object of
 // responseAsJson, led by the line's "id" when it has one. A line that is no
 // request gets {"line": N, "error": "..."} (with its "id" in JSON form).
+// The request reaches `judge` as the very text it has in the line.
 BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
                             const RequestJudge& judge, OutputFormat format);
+
+// The same answer by way of the line's whole tree, with the request written
+// back to text from it. answerBatchLine takes this way for a line whose
+// request would not read back alike: one with a number too large for a
+// double, which writes back as nothing.
+BatchAnswer answerBatchLineFromTree(const std::string& line, std::size_t lineNumber,
+                                    const RequestJudge& judge, OutputFormat format);
 
 // Makes a line as read (without its "\n") what is answered: drops a "\r"
 // before the line end and, on the first line, a byte order mark that some

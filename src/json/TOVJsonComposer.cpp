@@ -19,19 +19,68 @@ tovjson::Value makeStringValue(const std::string& text,
     return tovjson::Value(bytes, static_cast<rapidjson::SizeType>(std::strlen(bytes)), allocator);
 }
 
+// Whether simplifying `text` would leave it as it is: no white space at its
+// ends, and inside only single spaces. Most names and values are so.
+bool isAlreadySimple(const std::string& text) {
+    if (text.empty()) {
+        return true;
+    }
+    if (isWhiteSpace(text.front()) || isWhiteSpace(text.back())) {
+        return false;
+    }
+    bool afterSpace = false;
+    for (const char c : text) {
+        if (isWhiteSpace(c)) {
+            if (c != ' ' || afterSpace) {
+                return false;
+            }
+            afterSpace = true;
+        } else {
+            afterSpace = false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
+// Written straight to text, member by member in the map's order, which is
+// what the writer made of a document built of the same members, without the
+// document; two names that become one when sanitized are both written, as a
+// document kept them both.
 std::string TOVJsonComposer::createJsonFromStringStringMap(
     const std::map<std::string, std::string>& map) const {
-    tovjson::Document document;
-    document.SetObject();
-    TOVJsonDocumentWriter::addNamesValuesToJsonDoc(map, document, document.GetAllocator());
-    return TOVJsonDocumentWriter::createStringFromJsonDocument(document);
+    tovjson::StringBuffer buffer;
+    tovjson::Writer writer(buffer);
+    // `text` itself when it is already simple, else its sanitized form in `copy`.
+    const auto sanitizedOrSelf = [](const std::string& text,
+                                    std::string& copy) -> const std::string& {
+        if (isAlreadySimple(text)) {
+            return text;
+        }
+        copy = getSanitizedStringForJsonDoc(text);
+        return copy;
+    };
+    writer.StartObject();
+    for (const auto& entry : map) {
+        // A copy only where sanitizing changes the text.
+        std::string nameCopy;
+        std::string valueCopy;
+        const std::string& name = sanitizedOrSelf(entry.first, nameCopy);
+        const std::string& value = sanitizedOrSelf(entry.second, valueCopy);
+        // Up to the first NUL, as a string value of the document was made.
+        writer.Key(name.c_str(), static_cast<rapidjson::SizeType>(std::strlen(name.c_str())));
+        writer.String(value.c_str(), static_cast<rapidjson::SizeType>(std::strlen(value.c_str())));
+    }
+    writer.EndObject();
+    return std::string(buffer.GetString(), buffer.GetSize());
 }
 
 std::string TOVJsonComposer::getSanitizedStringForJsonDoc(const std::string& text) {
     std::string copy = text;
-    simplifyAnStdString(copy);
+    if (!isAlreadySimple(copy)) {
+        simplifyAnStdString(copy);
+    }
     return copy;
 }
 
