@@ -7,6 +7,21 @@
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
 
+namespace {
+
+// The packet's value of `attribute` when it stands at `fromValue`, read in
+// place: the rules of an edit are judged without copying the packets' values.
+const std::string* valueBoundByRule(const AttributesMap& packet, const std::string& attribute,
+                                    const std::string& fromValue) {
+    const auto found = packet.find(attribute);
+    if (found == packet.end() || !areStringsEqualAccountingAlsoAnyValue(found->second, fromValue)) {
+        return nullptr;
+    }
+    return &found->second;
+}
+
+}  // namespace
+
 TOVTransition::TOVTransition() = default;
 
 TOVTransition::TOVTransition(const std::string& objectType, const std::string& attribute,
@@ -15,19 +30,18 @@ TOVTransition::TOVTransition(const std::string& objectType, const std::string& a
 
 bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
                                                 const AttributesMap& target) const {
-    std::string currentValue;
-    if (!isPackageFromValueBoundByThisRule(initial, currentValue)) {
+    const std::string* currentValue = valueBoundByRule(initial, attribute, fromValue);
+    if (currentValue == nullptr) {
         return false;
     }
     // An attribute the edit leaves out counts as an attempt to stay where it is.
-    std::string attemptedValue = currentValue;
-    getValueofKeywordFromStringStringMap(attribute, target, attemptedValue);
-    return shouldAttemptedToValueBeForbidden(attemptedValue);
+    const auto attempted = target.find(attribute);
+    return shouldAttemptedToValueBeForbidden(attempted == target.end() ? *currentValue
+                                                                       : attempted->second);
 }
 
 bool TOVTransition::appliesTo(const AttributesMap& initial) const {
-    std::string currentValue;
-    return isPackageFromValueBoundByThisRule(initial, currentValue);
+    return valueBoundByRule(initial, attribute, fromValue) != nullptr;
 }
 
 bool TOVTransition::constrainsSecondaryAttribute(const std::string& editedObjectType,
@@ -66,14 +80,6 @@ void TOVTransition::appendSortKey(std::string& key) const {
     appendFoldedSortKey(fromValue, key);
 }
 
-bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,
-                                                      std::string& value) const {
-    if (!getValueofKeywordFromStringStringMap(attribute, packet, value)) {
-        return false;
-    }
-    return areStringsEqualAccountingAlsoAnyValue(value, fromValue);
-}
-
 // The target side is strict: exact bytes, and only the rule's own "<any>" in
 // its exact form opens every value.
 bool TOVTransition::shouldAttemptedToValueBeForbidden(const std::string& attemptedValue) const {
@@ -83,8 +89,8 @@ bool TOVTransition::shouldAttemptedToValueBeForbidden(const std::string& attempt
     if (toValues.empty()) {
         return true;
     }
-    return std::find(toValues.begin(), toValues.end(), std::string(TOVAttrItemValue_Any)) ==
-           toValues.end();
+    return std::none_of(toValues.begin(), toValues.end(),
+                        [](const std::string& value) { return value == TOVAttrItemValue_Any; });
 }
 
 void TOVTransition::printContentsDBG(TOVLogger* logger) const {
