@@ -157,7 +157,10 @@ bool TOVJsonParser::collectKeyValuesPairsFromSection(const tovjson::Value& secti
         if (!getStringNamesValuesPair(member, name, value)) {
             return false;
         }
-        map[name] = value;
+        // The strings move into the packet; a repeated name keeps its last
+        // value. Packets are mostly written in key order, so the end is
+        // usually where the next name goes.
+        map.insert_or_assign(map.end(), std::move(name), std::move(value));
     }
     return true;
 }
