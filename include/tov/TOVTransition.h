@@ -40,6 +40,7 @@ private:
     // operator<'s fields folded once: keys in byte order sort as operator< does.
     void appendSortKey(std::string& key) const;
 
+    bool isPackageFromValueBoundByThisRule(const AttributesMap& packet, std::string& value) const;
     bool shouldAttemptedToValueBeForbidden(const std::string& attemptedValue) const;
     void printContentsDBG(TOVLogger* logger) const;
 

@@ -7,21 +7,6 @@
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
 
-namespace {
-
-// The packet's value of `attribute` when it stands at `fromValue`, read in
-// place: the rules of an edit are judged without copying the packets' values.
-const std::string* valueBoundByRule(const AttributesMap& packet, const std::string& attribute,
-                                    const std::string& fromValue) {
-    const auto found = packet.find(attribute);
-    if (found == packet.end() || !areStringsEqualAccountingAlsoAnyValue(found->second, fromValue)) {
-        return nullptr;
-    }
-    return &found->second;
-}
-
-}  // namespace
-
 TOVTransition::TOVTransition() = default;
 
 TOVTransition::TOVTransition(const std::string& objectType, const std::string& attribute,
@@ -30,18 +15,20 @@ TOVTransition::TOVTransition(const std::string& objectType, const std::string& a
 
 bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
                                                 const AttributesMap& target) const {
-    const std::string* currentValue = valueBoundByRule(initial, attribute, fromValue);
-    if (currentValue == nullptr) {
+    std::string currentValue;
+    if (!isPackageFromValueBoundByThisRule(initial, currentValue)) {
         return false;
     }
-    // An attribute the edit leaves out counts as an attempt to stay where it is.
+    // An attribute the edit leaves out counts as an attempt to stay where it is;
+    // the attempted value is read where the target packet holds it.
     const auto attempted = target.find(attribute);
-    return shouldAttemptedToValueBeForbidden(attempted == target.end() ? *currentValue
+    return shouldAttemptedToValueBeForbidden(attempted == target.end() ? currentValue
                                                                        : attempted->second);
 }
 
 bool TOVTransition::appliesTo(const AttributesMap& initial) const {
-    return valueBoundByRule(initial, attribute, fromValue) != nullptr;
+    std::string currentValue;
+    return isPackageFromValueBoundByThisRule(initial, currentValue);
 }
 
 bool TOVTransition::constrainsSecondaryAttribute(const std::string& editedObjectType,
@@ -78,6 +65,14 @@ void TOVTransition::appendSortKey(std::string& key) const {
     appendFoldedSortKey(objectType, key);
     appendFoldedSortKey(attribute, key);
     appendFoldedSortKey(fromValue, key);
+}
+
+bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,
+                                                      std::string& value) const {
+    if (!getValueofKeywordFromStringStringMap(attribute, packet, value)) {
+        return false;
+    }
+    return areStringsEqualAccountingAlsoAnyValue(value, fromValue);
 }
 
 // The target side is strict: exact bytes, and only the rule's own "<any>" in
