@@ -1,6 +1,8 @@
 #ifndef TOV_API_TOVVEMOFRONTDESK_H_
 #define TOV_API_TOVVEMOFRONTDESK_H_
 
+#include <utility>
+
 #include "tov/TOVFrontdesk.h"
 #include "tov/TOVResponse.h"
 
@@ -18,6 +20,8 @@ public:
     // Points the front desk at the caller's core data without owning it.
     void borrowData(TOVCoreDataControllers* coreData);
     const TOVResponse& getResponse() const { return response; }
+    // Moves the response out, for a caller that is done with the front desk.
+    TOVResponse takeResponse() { return std::move(response); }
     // Logs the title followed by the response's single string in quotes.
     void printResponseToLog(const char* title, const TOVResponse& response);
 

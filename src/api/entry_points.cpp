@@ -54,7 +54,7 @@ constexpr RequestKind kLinkCreation{TOVFunctionality_ManualLinkCreation, kLabelL
 
 TOVResponse serveAndLogResult(const RequestKind& kind, TOVVemoFrontdesk& frontdesk) {
     frontdesk.serveLabeledInput();
-    TOVResponse result = frontdesk.getResponse();
+    TOVResponse result = frontdesk.takeResponse();
     frontdesk.printResponseToLog(kind.resultTitle, result);
     return result;
 }

@@ -34,8 +34,13 @@ void TOV_DMStructure::sortAllDMInfo() {
 
 const TOV_DMStructureObject* TOV_DMStructure::getDMObjectTypeWithName(
     const std::string& name) const {
-    const TOV_DMStructureObject key(name);
-    const auto found = std::lower_bound(objects.begin(), objects.end(), key);
+    // By name alone, as operator< orders the objects, without building an
+    // object to compare with.
+    const auto found =
+        std::lower_bound(objects.begin(), objects.end(), name,
+                         [](const TOV_DMStructureObject& object, const std::string& wanted) {
+                             return object.getName() < wanted;
+                         });
     if (found == objects.end() || found->getName() != name) {
         return nullptr;
     }

@@ -1,6 +1,7 @@
 #include "tov/TOVEditController.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "evaluators/TOVTransitionJsonParsers.h"
@@ -148,14 +149,13 @@ void TOVEditController::sanitizeToValues() {
     if (fromValues.empty()) {
         return;
     }
-    AttributesMap changing;
-    for (const std::string& name : getAttributesToEdit()) {
-        const auto entry = toValues.find(name);
-        if (entry != toValues.end()) {
-            changing.insert(*entry);
-        }
+    // The attributes that stay are dropped in place: the changing ones keep
+    // their entries rather than being copied into a new packet.
+    const std::vector<std::string>& edited = getAttributesToEdit();
+    for (auto entry = toValues.begin(); entry != toValues.end();) {
+        const bool changes = std::find(edited.begin(), edited.end(), entry->first) != edited.end();
+        entry = changes ? std::next(entry) : toValues.erase(entry);
     }
-    toValues = std::move(changing);
 }
 
 void TOVEditController::updateToValuesWithTheRepresentationFileUpdate() {

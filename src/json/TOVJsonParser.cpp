@@ -151,13 +151,16 @@ bool TOVJsonParser::collectKeyValuesPairsFromSection(const tovjson::Value& secti
     if (!section.IsObject()) {
         return false;
     }
-    for (auto member = section.MemberBegin(); member != section.MemberEnd(); ++member) {
-        std::string name;
-        std::string value;
-        if (!getStringNamesValuesPair(member, name, value)) {
+    for (const auto& member : section.GetObject()) {
+        if (!member.name.IsString() || !member.value.IsString()) {
             return false;
         }
-        map[name] = value;
+        // Names and values up to their first zero byte, as getStringNamesValuesPair
+        // reads them, built in place. A repeated name keeps its last value.
+        // Packets are mostly written in key order, so the end is usually where
+        // the next name goes.
+        map.insert_or_assign(map.end(), std::string(member.name.GetString()),
+                             std::string(member.value.GetString()));
     }
     return true;
 }

@@ -19,10 +19,11 @@ bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
     if (!isPackageFromValueBoundByThisRule(initial, currentValue)) {
         return false;
     }
-    // An attribute the edit leaves out counts as an attempt to stay where it is.
-    std::string attemptedValue = currentValue;
-    getValueofKeywordFromStringStringMap(attribute, target, attemptedValue);
-    return shouldAttemptedToValueBeForbidden(attemptedValue);
+    // An attribute the edit leaves out counts as an attempt to stay where it is;
+    // the attempted value is read where the target packet holds it.
+    const auto attempted = target.find(attribute);
+    return shouldAttemptedToValueBeForbidden(attempted == target.end() ? currentValue
+                                                                       : attempted->second);
 }
 
 bool TOVTransition::appliesTo(const AttributesMap& initial) const {
@@ -83,8 +84,8 @@ bool TOVTransition::shouldAttemptedToValueBeForbidden(const std::string& attempt
     if (toValues.empty()) {
         return true;
     }
-    return std::find(toValues.begin(), toValues.end(), std::string(TOVAttrItemValue_Any)) ==
-           toValues.end();
+    return std::none_of(toValues.begin(), toValues.end(),
+                        [](const std::string& value) { return value == TOVAttrItemValue_Any; });
 }
 
 void TOVTransition::printContentsDBG(TOVLogger* logger) const {

@@ -191,6 +191,13 @@ public:
         if (structure != nullptr && structure->isThisAnRLIObjectType(objectType)) {
             addGroup(rulelist::foldedLibraryItem());
         }
+        // Room for every rule of the groups at once, rather than growing the
+        // list rule by rule while the rules are judged.
+        std::size_t candidates = 0;
+        for (std::size_t g = 0; g < groupCount; ++g) {
+            candidates += groups[g]->size();
+        }
+        related.reserve(related.size() + candidates);
         // The groups are disjoint and each in stored order: merge them.
         std::array<std::size_t, 3> next{};
         for (;;) {
