@@ -230,6 +230,25 @@ TEST_F(ServeRouterTest, RefusalsComeInTheirOrder) {
     EXPECT_EQ(ask(request("GET", "/health")).header("Access-Control-Allow-Origin"), nullptr);
 }
 
+// Off the loopback address the program leaves the host unchecked (a proxy or
+// a cluster names the service as it likes), and the token is the guard.
+TEST_F(ServeRouterTest, OffTheLoopbackTheTokenGuardsWhateverTheHost) {
+    tovhttp::GuardPolicy policy;
+    policy.checkHost = false;
+    policy.token = kToken;
+    ServeRouter offLoopback(service, tovhttp::RequestGuards(policy));
+    HttpRequest anonymous = request("GET", "/v1/status");
+    anonymous.headers = {{"Host", "tov.example.org"}};
+    EXPECT_EQ(offLoopback.respond(std::move(anonymous)).status, 401);
+    HttpRequest named = request("GET", "/v1/status");
+    named.headers = {{"Host", "tov.example.org"}, {"Authorization", "Bearer " + kToken}};
+    EXPECT_EQ(offLoopback.respond(std::move(named)).status, 200);
+    // The origin is checked all the same.
+    HttpRequest crossSite = request("GET", "/health");
+    crossSite.headers = {{"Host", "tov.example.org"}, {"Origin", "https://attacker.example"}};
+    EXPECT_EQ(offLoopback.respond(std::move(crossSite)).status, 403);
+}
+
 TEST_F(ServeRouterTest, TheScreenDecidesFromTheHeadAlone) {
     HttpRequest head = request("POST", "/v1/evaluate/edit");
     EXPECT_EQ(router.screen(head), std::nullopt);

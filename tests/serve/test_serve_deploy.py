@@ -42,6 +42,11 @@ def test_the_manifests_parse_and_fit_together():
     for option, key in (("--rules", "rules.json"), ("--dm", "datamodel.json")):
         assert arguments[option] == documents_mount["mountPath"] + "/" + key
         assert key in documents["ConfigMap"]["data"]
+    # Each pod listens on its own address, never on every interface.
+    assert arguments["--listen"] == "$(POD_IP):8480"
+    environment = {variable["name"]: variable for variable in container["env"]}
+    assert environment["POD_IP"]["valueFrom"]["fieldRef"]["fieldPath"] == "status.podIP"
+    assert container["ports"][0]["containerPort"] == 8480
     # Probes need no token, and the grace fits within the pod's.
     assert "--token-file" in arguments
     assert float(arguments["--grace"]) < pod["spec"]["terminationGracePeriodSeconds"]
