@@ -10,17 +10,16 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 
 #include "diagram_renderer.h"
 #include "fuzz_support.h"
+#include "http_fuzz_support.h"
 #include "json/json_types.h"
 #include "workbench_router.h"
 #include "workspace.h"
 
 namespace {
 
-using tovhttp::HttpRequest;
 using tovhttp::HttpResponse;
 
 // Kept for the run: the workspace reads the examples once.
@@ -30,7 +29,7 @@ tovwb::WorkbenchRouter& router() {
             : workspace(openWorkspace()),
               renderer(tovwb::makeMissingRenderer()),
               api(*workspace, *renderer, ""),
-              router(api, guards()) {}
+              router(api, tovfuzz::fuzzGuards()) {}
         static std::unique_ptr<tovwb::Workspace> openWorkspace() {
             tovwb::WorkspaceOptions options;
             options.examplesFolder = TOV_EXAMPLES_DIR;
@@ -42,13 +41,6 @@ tovwb::WorkbenchRouter& router() {
             }
             return opened;
         }
-        static tovhttp::RequestGuards guards() {
-            tovhttp::GuardPolicy policy;
-            policy.checkHost = true;
-            policy.allowedHosts = {"tov.example"};
-            policy.token = "fuzz-token";
-            return tovhttp::RequestGuards(policy);
-        }
         std::unique_ptr<tovwb::Workspace> workspace;
         std::unique_ptr<tovwb::DiagramRenderer> renderer;
         tovwb::WorkbenchApi api;
@@ -56,35 +48,6 @@ tovwb::WorkbenchRouter& router() {
     };
     static Bench bench;
     return bench.router;
-}
-
-std::string_view nextLine(std::string_view& text) {
-    const std::size_t end = text.find('\n');
-    const std::string_view line = text.substr(0, end);
-    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
-    return line;
-}
-
-HttpRequest requestOf(std::string_view text) {
-    HttpRequest request;
-    const std::string_view first = nextLine(text);
-    const std::size_t blank = first.find(' ');
-    request.method = std::string(first.substr(0, blank));
-    request.target = blank == std::string_view::npos ? "" : std::string(first.substr(blank + 1));
-    while (!text.empty()) {
-        const std::string_view line = nextLine(text);
-        if (line.empty()) {
-            break;
-        }
-        const std::size_t colon = line.find(':');
-        std::string_view value = colon == std::string_view::npos ? "" : line.substr(colon + 1);
-        while (!value.empty() && value.front() == ' ') {
-            value.remove_prefix(1);
-        }
-        request.headers.push_back({std::string(line.substr(0, colon)), std::string(value)});
-    }
-    request.body = std::string(text);
-    return request;
 }
 
 void checkAnswer(const HttpResponse& response) {
@@ -100,15 +63,7 @@ void checkAnswer(const HttpResponse& response) {
         default:
             tovfuzz::fail("an unexpected status " + std::to_string(response.status));
     }
-    for (const tovhttp::HttpHeader& header : response.headers) {
-        if (header.name.find_first_of("\r\n") != std::string::npos ||
-            header.value.find_first_of("\r\n") != std::string::npos) {
-            tovfuzz::fail("a line end in the header " + header.name);
-        }
-    }
-    if (response.header("Access-Control-Allow-Origin") != nullptr) {
-        tovfuzz::fail("an answer that another origin may read");
-    }
+    tovfuzz::checkHeaders(response);
     const std::string* policy = response.header("Content-Security-Policy");
     if (policy == nullptr || *policy != tovwb::kContentSecurityPolicy ||
         response.header("X-Content-Type-Options") == nullptr ||
@@ -139,16 +94,7 @@ void checkAnswer(const HttpResponse& response) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string input = tovfuzz::asText(data, size);
-    HttpRequest request = requestOf(input);
-    tovwb::WorkbenchRouter& routes = router();
-    HttpRequest head = request;
-    head.body.clear();
-    const std::optional<HttpResponse> screened = routes.screen(head);
-    const HttpResponse answer = routes.respond(std::move(request));
-    if (screened && screened->status != answer.status) {
-        tovfuzz::fail("the screen refused with " + std::to_string(screened->status) +
-                      " and the answer is " + std::to_string(answer.status));
-    }
+    const HttpResponse answer = tovfuzz::answerScreened(router(), tovfuzz::requestOf(input));
     checkAnswer(answer);
     return 0;
 }
