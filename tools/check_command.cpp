@@ -19,21 +19,7 @@ void writeFindingJson(JsonWriter& writer, const Finding& finding) {
     writer.StartObject();
     writer.Key("document");
     writeString(writer, finding.document);
-    writer.Key("section");
-    if (finding.section.empty()) {
-        writer.Null();
-    } else {
-        writeString(writer, finding.section);
-    }
-    writer.Key("message");
-    writeString(writer, finding.message);
-    const std::size_t colon = finding.location.find(':');
-    if (colon != std::string::npos) {
-        writer.Key("line");
-        writer.Uint64(std::stoull(finding.location.substr(0, colon)));
-        writer.Key("column");
-        writer.Uint64(std::stoull(finding.location.substr(colon + 1)));
-    }
+    writeFindingMembers(writer, finding, finding.location);
     writer.EndObject();
 }
 

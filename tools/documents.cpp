@@ -154,6 +154,24 @@ void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out
     out << finding.message << "\n";
 }
 
+void writeFindingMembers(JsonWriter& writer, const Finding& finding, const std::string& place) {
+    writer.Key("section");
+    if (finding.section.empty()) {
+        writer.Null();
+    } else {
+        writeString(writer, finding.section);
+    }
+    writer.Key("message");
+    writeString(writer, finding.message);
+    const std::size_t colon = place.find(':');
+    if (colon != std::string::npos) {
+        writer.Key("line");
+        writer.Uint64(std::stoull(place.substr(0, colon)));
+        writer.Key("column");
+        writer.Uint64(std::stoull(place.substr(colon + 1)));
+    }
+}
+
 bool prepareCommand(const std::string& logOption, const DocumentPaths& paths,
                     std::string& logFolder, std::vector<Document>& documents) {
     std::string error;

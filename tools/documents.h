@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "input_files.h"
+#include "json_output.h"
 #include "session.h"
 #include "tov/TOVResponse.h"
 
@@ -49,6 +50,10 @@ struct Finding {
 // "PATH: message", "PATH: note: message", "PATH:LINE:COLUMN: warning: message"
 // and so on; `notesAreFaults` turns "note:" and "warning:" into "error:".
 void printFinding(const Finding& finding, bool notesAreFaults, std::ostream& out);
+
+// A finding's members in JSON: "section" (null when it concerns none),
+// "message", and "line" and "column" when `place` is "LINE:COLUMN".
+void writeFindingMembers(JsonWriter& writer, const Finding& finding, const std::string& place);
 
 // The start of every command that loads documents: where the log goes, and
 // whether the documents can be read. False, with the reason told on standard

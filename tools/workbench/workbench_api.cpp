@@ -172,21 +172,7 @@ void writeFinding(JsonWriter& writer, const Finding& finding, const char* key,
     writer.String(finding.severity == Finding::kFault     ? "fault"
                   : finding.severity == Finding::kWarning ? "warning"
                                                           : "note");
-    writer.Key("section");
-    if (finding.section.empty()) {
-        writer.Null();
-    } else {
-        writeString(writer, finding.section);
-    }
-    writer.Key("message");
-    writeString(writer, finding.message);
-    const std::size_t colon = place.find(':');
-    if (colon != std::string::npos) {
-        writer.Key("line");
-        writer.Uint64(std::stoull(place.substr(0, colon)));
-        writer.Key("column");
-        writer.Uint64(std::stoull(place.substr(colon + 1)));
-    }
+    tovcli::writeFindingMembers(writer, finding, place);
     writer.EndObject();
 }
 
