@@ -78,7 +78,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             const tovcli::BatchAnswer answer =
                 tovcli::answerBatchLine(line, lineNumber, judge, format);
             checkAnswer(answer, format);
-            // The request's own text must answer as the text written back from the tree.
+            // The request's own text must answer as the text written back from
+            // the tree, where the tree can write the line's numbers back.
+            if (tovcli::holdsNumberBeyondDouble(line)) {
+                continue;
+            }
             const tovcli::BatchAnswer fromTree =
                 tovcli::answerBatchLineFromTree(line, lineNumber, judge, format);
             if (answer.text != fromTree.text || answer.wasRequest != fromTree.wasRequest) {

@@ -11,17 +11,29 @@ namespace tovcli {
 
 namespace {
 
+// The line's "id" as an answer echoes it: its value written out, or its own
+// text when it holds a number beyond a double's range, which reads as
+// infinity and which no JSON writer can write.
+struct EchoedId {
+    const tovjson::Value* value = nullptr;
+    std::string_view text;  // set only when the value cannot be written
+};
+
 // Opens the answer object, led by the line's "id" in JSON form.
-void startAnswer(JsonWriter& writer, const tovjson::Value* id, OutputFormat format) {
+void startAnswer(JsonWriter& writer, const EchoedId& id, OutputFormat format) {
     writer.StartObject();
-    if (id != nullptr && format == OutputFormat::kJson) {
+    if (id.value != nullptr && format == OutputFormat::kJson) {
         writer.Key("id");
-        writeValue(writer, *id);
+        if (id.text.empty()) {
+            writeValue(writer, *id.value);
+        } else {
+            writer.RawValue(id.text.data(), id.text.size(), id.value->GetType());
+        }
     }
 }
 
-BatchAnswer errorAnswer(std::size_t lineNumber, const std::string& message,
-                        const tovjson::Value* id, OutputFormat format) {
+BatchAnswer errorAnswer(std::size_t lineNumber, const std::string& message, const EchoedId& id,
+                        OutputFormat format) {
     tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);
     startAnswer(writer, id, format);
@@ -38,7 +50,7 @@ bool isBlank(const std::string& line) {
                        [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
 }
 
-BatchAnswer answerFromResponse(const TOVResponse& response, const tovjson::Value* id,
+BatchAnswer answerFromResponse(const TOVResponse& response, const EchoedId& id,
                                OutputFormat format) {
     if (format == OutputFormat::kText) {
         return {response.turnResponseIntoASingleString(), true};
@@ -119,10 +131,11 @@ public:
     bool Int64(std::int64_t /*value*/) { return scalar(); }
     bool Uint64(std::uint64_t /*value*/) { return scalar(); }
     bool Double(double value) {
-        // A number beyond a double's range reads as infinity, which the tree's
-        // way writes back as nothing: such a line must go that way.
         if (!std::isfinite(value)) {
             sawNonFiniteNumber = true;
+            if ((depth == 1 && current == &id) || reading == &id) {
+                idIsBeyondWriting = true;
+            }
         }
         return scalar();
     }
@@ -149,7 +162,8 @@ public:
     bool EndArray(rapidjson::SizeType /*elements*/) { return close(); }
 
     bool rootIsObject = false;
-    bool sawNonFiniteNumber = false;
+    bool sawNonFiniteNumber = false;  // a number beyond a double's range
+    bool idIsBeyondWriting = false;   // such a number within the first "id"
     Member id;
     Member kind;
     Member request;
@@ -209,47 +223,50 @@ private:
     Member* reading = nullptr;  // the member whose container value is open
 };
 
-}  // namespace
-
-BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
-                            const RequestJudge& judge, OutputFormat format) {
-    if (isBlank(line)) {
-        return errorAnswer(lineNumber, "empty line", nullptr, format);
-    }
-    // Read as the tree reads the line: to its end or its first zero byte,
-    // whichever comes first, past the bytes of a byte order mark at its
-    // start, each on its own, with places counted from the line's start.
-    // The reader unescapes strings over the copy; the places stay the line's.
-    std::string copy = line;
-    LineStream stream(copy.data());
+// Reads a copy of a line as the tree reads the line: to its end or its first
+// zero byte, whichever comes first, past the bytes of a byte order mark at its
+// start, each on its own, with places counted from the line's start. The
+// reader unescapes strings over the copy; the places stay the line's.
+rapidjson::ParseResult scanLine(LineStream& stream, LineScan& scan) {
     for (const unsigned char markByte : {0xEFU, 0xBBU, 0xBFU}) {
         if (static_cast<unsigned char>(stream.Peek()) == markByte) {
             stream.Take();
         }
     }
-    LineScan scan(stream);
     tovjson::Reader reader;
     // Iterative, so that a deeply nested line cannot overflow the stack.
-    const rapidjson::ParseResult parsed =
-        reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseInsituFlag>(stream, scan);
+    return reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseInsituFlag>(stream, scan);
+}
+
+}  // namespace
+
+BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
+                            const RequestJudge& judge, OutputFormat format) {
+    if (isBlank(line)) {
+        return errorAnswer(lineNumber, "empty line", {}, format);
+    }
+    std::string copy = line;
+    LineStream stream(copy.data());
+    LineScan scan(stream);
+    const rapidjson::ParseResult parsed = scanLine(stream, scan);
     if (parsed.IsError()) {
         return errorAnswer(lineNumber,
                            std::string("not JSON: ") + rapidjson::GetParseError_En(parsed.Code()) +
                                " (column " + std::to_string(parsed.Offset() + 1) + ")",
-                           nullptr, format);
-    }
-    if (scan.sawNonFiniteNumber) {
-        return answerBatchLineFromTree(line, lineNumber, judge, format);
+                           {}, format);
     }
     if (!scan.rootIsObject) {
-        return errorAnswer(lineNumber, "not a JSON object", nullptr, format);
+        return errorAnswer(lineNumber, "not a JSON object", {}, format);
     }
     tovjson::Document idTree;
-    const tovjson::Value* id = nullptr;
+    EchoedId id;
     if (scan.id.seen && format == OutputFormat::kJson) {
         const std::size_t begin = valueBegin(line, scan.id.keyEnd);
         idTree.Parse<rapidjson::kParseIterativeFlag>(line.data() + begin, scan.id.end - begin);
-        id = &idTree;
+        id.value = &idTree;
+        if (scan.idIsBeyondWriting) {
+            id.text = std::string_view(line).substr(begin, scan.id.end - begin);
+        }
     }
     if (!scan.kind.seen) {
         return errorAnswer(lineNumber, "missing \"kind\"", id, format);
@@ -275,10 +292,17 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
     return answerFromResponse(response, id, format);
 }
 
+bool holdsNumberBeyondDouble(const std::string& line) {
+    std::string copy = line;
+    LineStream stream(copy.data());
+    LineScan scan(stream);
+    return !scanLine(stream, scan).IsError() && scan.sawNonFiniteNumber;
+}
+
 BatchAnswer answerBatchLineFromTree(const std::string& line, std::size_t lineNumber,
                                     const RequestJudge& judge, OutputFormat format) {
     if (isBlank(line)) {
-        return errorAnswer(lineNumber, "empty line", nullptr, format);
+        return errorAnswer(lineNumber, "empty line", {}, format);
     }
     tovjson::Document parsed;
     // Iterative, so that a deeply nested line cannot overflow the stack.
@@ -288,13 +312,13 @@ BatchAnswer answerBatchLineFromTree(const std::string& line, std::size_t lineNum
                            std::string("not JSON: ") +
                                rapidjson::GetParseError_En(parsed.GetParseError()) + " (column " +
                                std::to_string(parsed.GetErrorOffset() + 1) + ")",
-                           nullptr, format);
+                           {}, format);
     }
     if (!parsed.IsObject()) {
-        return errorAnswer(lineNumber, "not a JSON object", nullptr, format);
+        return errorAnswer(lineNumber, "not a JSON object", {}, format);
     }
     const auto idMember = parsed.FindMember("id");
-    const tovjson::Value* id = idMember == parsed.MemberEnd() ? nullptr : &idMember->value;
+    const EchoedId id{idMember == parsed.MemberEnd() ? nullptr : &idMember->value, {}};
     const auto kind = parsed.FindMember("kind");
     if (kind == parsed.MemberEnd()) {
         return errorAnswer(lineNumber, "missing \"kind\"", id, format);

@@ -36,11 +36,18 @@ BatchAnswer answerBatchLine(const std::string& line, std::size_t lineNumber,
                             const RequestJudge& judge, OutputFormat format);
 
 // The same answer by way of the line's whole tree, with the request written
-// back to text from it. answerBatchLine takes this way for a line whose
-// request would not read back alike: one with a number too large for a
-// double, which writes back as nothing.
+// back to text from it: the way lines were answered before, kept so that the
+// differential test and the fuzz target hold answerBatchLine to it.
 BatchAnswer answerBatchLineFromTree(const std::string& line, std::size_t lineNumber,
                                     const RequestJudge& judge, OutputFormat format);
+
+// Whether the line is JSON that holds a number beyond a double's range, such
+// as 10e308, which reads as infinity and which no writer writes back: the
+// tree's way answers such a line apart (its request loses the number, and an
+// "id" holding one is written as nothing), while answerBatchLine hands the
+// library the request's own text, as tov eval does, and echoes such an id as
+// the line wrote it.
+bool holdsNumberBeyondDouble(const std::string& line);
 
 // Makes a line as read (without its "\n") what is answered: drops a "\r"
 // before the line end and, on the first line, a byte order mark that some

@@ -329,8 +329,14 @@ TEST(BatchLineDifferential, TheLinesTextAnswersAsTheTreesText) {
     const tovcli::RequestJudge judge = tovcli::judgeWithCoreData(&exampleCoreData());
     std::size_t requests = 0;
     std::size_t lineNumber = 0;
+    std::size_t beyondDouble = 0;
     for (const std::string& line : generatedLines()) {
         ++lineNumber;
+        // The tree's way cannot write such a line's numbers back; see below.
+        if (tovcli::holdsNumberBeyondDouble(line)) {
+            ++beyondDouble;
+            continue;
+        }
         for (const OutputFormat format : {OutputFormat::kText, OutputFormat::kJson}) {
             const tovcli::BatchAnswer tree =
                 tovcli::answerBatchLineFromTree(line, lineNumber, judge, format);
@@ -343,6 +349,36 @@ TEST(BatchLineDifferential, TheLinesTextAnswersAsTheTreesText) {
     }
     // The generated lines reach the library often enough to mean something.
     EXPECT_GT(requests, 2000U);
+    EXPECT_GT(beyondDouble, 0U);
+}
+
+// A number beyond a double's range reads as infinity, which no writer writes
+// back: the request still reaches the library as the line wrote it, so the
+// answer is tov eval's, and an id holding one is echoed as written.
+TEST(BatchLineDifferential, ANumberBeyondADoubleReachesTheLibraryAsWritten) {
+    const tovcli::RequestJudge judge = tovcli::judgeWithCoreData(&exampleCoreData());
+    const std::string request = R"({"objectType": "Part", "x": 10e308})";
+    const std::string line = R"({"id": [1.8e308], "kind": "edit", "request": )" + request + "}";
+    ASSERT_TRUE(tovcli::holdsNumberBeyondDouble(line));
+    EXPECT_FALSE(tovcli::holdsNumberBeyondDouble(R"({"kind": "edit", "request": {"x": 1e308}})"));
+    EXPECT_FALSE(tovcli::holdsNumberBeyondDouble("{\"x\": 10e308"));  // no JSON
+
+    const std::string expected =
+        R"({"Result":"Failure","ResultComment":"Initial Attributes demands ALL keywords: [initialAttributes]"})";
+    const tovcli::RequestKind* edit = tovcli::findRequestKind("edit");
+    ASSERT_NE(edit, nullptr);
+    EXPECT_EQ(judge(*edit, request).turnResponseIntoASingleString(), expected);
+    const tovcli::BatchAnswer text = tovcli::answerBatchLine(line, 1, judge, OutputFormat::kText);
+    EXPECT_EQ(text.text, expected);
+    EXPECT_TRUE(text.wasRequest);
+
+    const tovcli::BatchAnswer json = tovcli::answerBatchLine(line, 1, judge, OutputFormat::kJson);
+    EXPECT_EQ(json.text.rfind(R"({"id":[1.8e308],"result":false,"comment":"Initial Attributes)", 0),
+              0U)
+        << json.text;
+    const tovcli::BatchAnswer refused =
+        tovcli::answerBatchLine(R"({"id": 10e308, "kind": "edit"})", 2, judge, OutputFormat::kJson);
+    EXPECT_EQ(refused.text, R"({"id":10e308,"line":2,"error":"missing \"request\""})");
 }
 
 }  // namespace
