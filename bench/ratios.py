@@ -8,7 +8,13 @@ resident set while 100,000 rules load, from text and from a file, over the
 document's size. Without --quick the memory is measured again with 1,000,000
 rules, and told without a goal.
 
-Usage: ratios.py [--build-dir DIR] [--repetitions N] [--min-time SECONDS] [--quick]
+The tov program's `tov batch` over the edit at 100 rules gives two more
+(batch_times.py tells how): the CPU time of a line with --jobs 1 over the
+median CPU time of BM_Edit/100 from the same run of tov_bench, and the wall
+time of a batch with --jobs 2 over that with --jobs 1.
+
+Usage: ratios.py [--build-dir DIR] [--repetitions N] [--min-time SECONDS]
+                 [--batch-lines N] [--no-batch | --only-batch] [--quick]
 """
 
 import argparse
@@ -19,6 +25,9 @@ import statistics
 import subprocess
 import sys
 import tempfile
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import batch_times  # noqa: E402
 
 # (what is divided, numerator, denominator, goal)
 SPEED_RATIOS = [
@@ -34,8 +43,19 @@ MEMORY_RATIOS = [
     ("peak memory of a load from text / document size", "text", 3.0),
     ("peak memory of a load from a file / document size", "file", 2.0),
 ]
+# (what, goal): the CPU time of a batch line over BM_Edit/100, and the wall
+# time of a batch with two jobs over that with one.
+BATCH_RATIOS = [
+    ("line of tov batch --jobs 1 / edit at 100 rules", 1.25),
+    ("wall time of tov batch --jobs 2 / --jobs 1", 0.55),
+]
 # The memory measure again at ten times the rules, told beside the first.
 LARGE_RULE_COUNT = 1000000
+# Edit lines of the shorter batch file (the longer has twice as many): a run
+# of the longer takes a few tenths of a second with one job.
+BATCH_LINES = 25000
+QUICK_BATCH_LINES = 1000
+BATCH_LINE_LIMITS = (100, 200000)
 
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 MEMORY_LINE = re.compile(r"^from (text|file): the load raised the peak by ([0-9.]+) MiB, "
@@ -72,8 +92,18 @@ def memory_ratios(output):
     return ratios
 
 
-def ratio_rows(times, memory):
-    """(what, measured ratio, goal) for every goal."""
+def batch_rows(times, batch):
+    """(what, measured ratio, goal) for the goals of tov batch."""
+    if "BM_Edit/100" not in times:
+        raise ValueError("no time for BM_Edit/100")
+    (line_what, line_goal), (jobs_what, jobs_goal) = BATCH_RATIOS
+    return [(line_what, batch["line_cpu"] / times["BM_Edit/100"], line_goal),
+            (jobs_what, batch["wall_two"] / batch["wall_one"], jobs_goal)]
+
+
+def ratio_rows(times, memory, batch=None):
+    """(what, measured ratio, goal) for every goal; those of tov batch only
+    with its measure."""
     rows = []
     for what, numerator, denominator, goal in SPEED_RATIOS:
         missing = [name for name in (numerator, denominator) if name not in times]
@@ -84,6 +114,8 @@ def ratio_rows(times, memory):
         if form not in memory:
             raise ValueError("no memory measure of the load from " + form)
         rows.append((what, memory[form][1], goal))
+    if batch is not None:
+        rows += batch_rows(times, batch)
     return rows
 
 
@@ -104,12 +136,28 @@ def format_memory(rules, memory):
     return lines
 
 
-def format_report(times, memory, rows, large_memory=None):
+def format_batch(batch):
+    longer = "{:,}".format(2 * batch["lines"])
+    runs = "medians of %d runs" % batch["runs"] if batch["runs"] > 1 else "one run"
+    lines = ["tov batch over %s and %s edit lines at 100 rules, %s (%d cores, load "
+             "average %.2f):" % ("{:,}".format(batch["lines"]), longer, runs, batch["cores"],
+                                 batch["load"])]
+    lines += ["  %-36s %10s" % (what, format_time(batch[key])) for what, key in (
+        ("CPU time of a line, --jobs 1", "line_cpu"),
+        ("wall time of %s lines, --jobs 1" % longer, "wall_one"),
+        ("wall time of %s lines, --jobs 2" % longer, "wall_two"))]
+    return lines
+
+
+def format_report(times, memory, rows, large_memory=None, batch=None):
     lines = ["CPU time, medians:"]
     lines += ["  %-24s %10s" % (name, format_time(time)) for name, time in times.items()]
-    lines += format_memory(100000, memory)
+    if memory:
+        lines += format_memory(100000, memory)
     if large_memory:
         lines += format_memory(LARGE_RULE_COUNT, large_memory)
+    if batch:
+        lines += format_batch(batch)
     lines.append("%-50s %10s %8s  %s" % ("Ratio", "measured", "goal", "met"))
     for what, measured, goal in rows:
         lines.append("%-50s %9.2fx %7sx  %s" % (what, measured, "<= %g" % goal,
@@ -117,17 +165,27 @@ def format_report(times, memory, rows, large_memory=None):
     return "\n".join(lines)
 
 
-def run_benchmark(program, repetitions, min_time):
+def run_benchmark(program, repetitions, min_time, only=None):
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, "tov_bench.json")
         command = [program, "--benchmark_out=" + out, "--benchmark_out_format=json",
                    "--benchmark_min_time=%g" % min_time]
+        if only:
+            command.append("--benchmark_filter=" + only)
         if repetitions > 1:
             command += ["--benchmark_repetitions=%d" % repetitions,
                         "--benchmark_report_aggregates_only=true"]
         subprocess.run(command, check=True, stdout=sys.stderr)
         with open(out, encoding="utf-8") as report:
             return json.load(report)
+
+
+def batch_lines(text):
+    lines = int(text)
+    if not BATCH_LINE_LIMITS[0] <= lines <= BATCH_LINE_LIMITS[1]:
+        raise argparse.ArgumentTypeError("%d is not between %d and %d" %
+                                          ((lines,) + BATCH_LINE_LIMITS))
+    return lines
 
 
 def main():
@@ -139,25 +197,42 @@ def main():
                         help="repetitions of every benchmark, whose median counts (default 5)")
     parser.add_argument("--min-time", type=float, default=0.5,
                         help="seconds that each repetition runs at least (default 0.5)")
+    parser.add_argument("--batch-lines", type=batch_lines, default=BATCH_LINES,
+                        help="edit lines of the shorter batch file, between %d and %d "
+                        "(default %d)" % (BATCH_LINE_LIMITS + (BATCH_LINES,)))
+    which = parser.add_mutually_exclusive_group()
+    which.add_argument("--no-batch", action="store_true",
+                       help="leave out tov batch (for a build without the program)")
+    which.add_argument("--only-batch", action="store_true",
+                       help="only tov batch, with BM_Edit/100 for its first ratio")
     parser.add_argument("--quick", action="store_true",
                         help="one iteration of each, to check that everything runs")
     arguments = parser.parse_args()
     if arguments.quick:
         arguments.repetitions, arguments.min_time = 1, 0.0
+        arguments.batch_lines = QUICK_BATCH_LINES
 
     bench = os.path.join(arguments.build_dir, "bench")
     try:
-        times = median_cpu_times(run_benchmark(os.path.join(bench, "tov_bench"),
-                                               arguments.repetitions, arguments.min_time))
-        measured = subprocess.run([os.path.join(bench, "tov_bench_memory")], check=True,
-                                  stdout=subprocess.PIPE, universal_newlines=True).stdout
-        memory = memory_ratios(measured)
-        large_memory = None
-        if not arguments.quick:
-            large_memory = memory_ratios(subprocess.run(
-                [os.path.join(bench, "tov_bench_memory"), str(LARGE_RULE_COUNT)], check=True,
-                stdout=subprocess.PIPE, universal_newlines=True).stdout)
-        print(format_report(times, memory, ratio_rows(times, memory), large_memory))
+        times = median_cpu_times(run_benchmark(
+            os.path.join(bench, "tov_bench"), arguments.repetitions, arguments.min_time,
+            "^BM_Edit/100$" if arguments.only_batch else None))
+        memory, large_memory, batch = {}, None, None
+        if not arguments.only_batch:
+            measured = subprocess.run([os.path.join(bench, "tov_bench_memory")], check=True,
+                                      stdout=subprocess.PIPE, universal_newlines=True).stdout
+            memory = memory_ratios(measured)
+            if not arguments.quick:
+                large_memory = memory_ratios(subprocess.run(
+                    [os.path.join(bench, "tov_bench_memory"), str(LARGE_RULE_COUNT)],
+                    check=True, stdout=subprocess.PIPE, universal_newlines=True).stdout)
+        if not arguments.no_batch:
+            with tempfile.TemporaryDirectory() as folder:
+                batch = batch_times.measure(arguments.build_dir, folder, arguments.batch_lines,
+                                            arguments.repetitions)
+        rows = (batch_rows(times, batch) if arguments.only_batch
+                else ratio_rows(times, memory, batch))
+        print(format_report(times, memory, rows, large_memory, batch))
     except (OSError, subprocess.CalledProcessError, ValueError) as error:
         print("ratios.py: %s" % error, file=sys.stderr)
         return 1

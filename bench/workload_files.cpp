@@ -1,7 +1,8 @@
 // Writes the benchmark's workload as files, for the measures that run the
-// tov program itself (serve_bench.py): FOLDER/rules.json with COUNT transition
-// rules, FOLDER/datamodel.json and FOLDER/edit.json, the edit that every rule
-// approves. The workload is the one tov_bench generates, from the same code.
+// tov program itself (serve_bench.py, batch_times.py): FOLDER/rules.json with
+// COUNT transition rules, FOLDER/datamodel.json and FOLDER/edit.json, the edit
+// that every rule approves. The workload is the one tov_bench generates, from
+// the same code.
 //
 // Usage: tov_bench_workload_files FOLDER [COUNT]   (COUNT defaults to 100)
 #include <cstdlib>
