@@ -1,5 +1,7 @@
 #include "rules/TOVTransitionRulesJsonParser.h"
 
+#include <utility>
+
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVTransition.h"
 #include "tov/string_helpers.h"
@@ -53,6 +55,7 @@ bool TOVTransitionRulesJsonParser::readRule(tovjson::Value& ruleObject, std::str
         return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
     }
     changeAllToAny(objectType);
-    store->appendNewTransitionRule(TOVTransition(objectType, attribute, fromValue, toValues));
+    store->appendNewTransitionRule(TOVTransition(std::string(objectType), std::move(attribute),
+                                                 std::move(fromValue), std::move(toValues)));
     return true;
 }
