@@ -18,6 +18,16 @@ int foldByte(char byte) {
     return static_cast<signed char>(foldAsciiCase(byte));
 }
 
+// The bytes of `value` from the most significant, in memory order.
+std::uint64_t bigEndian(std::uint64_t value) {
+    std::uint64_t result = 0;
+    auto* const bytes = reinterpret_cast<unsigned char*>(&result);
+    for (int i = 0; i < 8; ++i) {
+        bytes[i] = static_cast<unsigned char>(value >> (56 - 8 * i));
+    }
+    return result;
+}
+
 bool isWhiteSpace(char byte) {
     return std::isspace(static_cast<unsigned char>(byte)) != 0;
 }
@@ -60,31 +70,42 @@ bool equalsIgnoringCase(const std::string& text, const char* word) {
 }
 
 void appendFoldedSortKey(const std::string& text, std::string& key) {
-    // Folded through a small buffer and appended a piece at a time: growing
-    // the key first and writing into it zero-fills what is then overwritten,
-    // which cost the sort of a load more than the folding itself.
-    std::array<char, 64> piece;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
-    const auto length = static_cast<std::uint64_t>(text.size());
+    appendFoldedSortKeys({&text}, key);
+}
+
+void appendFoldedSortKeys(std::initializer_list<const std::string*> texts, std::string& key) {
+    // Folded through a small buffer and appended a piece at a time, mostly a
+    // whole rule's key at once: growing the key first and writing into it
+    // zero-fills what is then overwritten, and an append per field cost the
+    // sort of a load more than the folding itself.
+    std::array<char, 256> piece;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     std::size_t filled = 0;
-    for (int shift = 56; shift >= 0; shift -= 8) {
-        piece[filled++] = static_cast<char>((length >> shift) & 0xFFU);
-    }
-    const char* next = text.data();
-    const char* const end = next + text.size();
-    for (;;) {
-        const std::size_t count =
-            std::min(piece.size() - filled, static_cast<std::size_t>(end - next));
-        for (std::size_t i = 0; i < count; ++i) {
-            piece[filled + i] =
-                static_cast<char>(static_cast<unsigned char>(foldAsciiCase(next[i])) ^ 0x80U);
+    for (const std::string* text : texts) {
+        const std::uint64_t length = bigEndian(static_cast<std::uint64_t>(text->size()));
+        if (piece.size() - filled < sizeof(length)) {
+            key.append(piece.data(), filled);
+            filled = 0;
         }
-        key.append(piece.data(), filled + count);
-        next += count;
-        if (next == end) {
-            return;
+        std::memcpy(piece.data() + filled, &length, sizeof(length));
+        filled += sizeof(length);
+        const char* next = text->data();
+        const char* const end = next + text->size();
+        while (next != end) {
+            if (filled == piece.size()) {
+                key.append(piece.data(), filled);
+                filled = 0;
+            }
+            const std::size_t count =
+                std::min(piece.size() - filled, static_cast<std::size_t>(end - next));
+            for (std::size_t i = 0; i < count; ++i) {
+                piece[filled + i] =
+                    static_cast<char>(static_cast<unsigned char>(foldAsciiCase(next[i])) ^ 0x80U);
+            }
+            filled += count;
+            next += count;
         }
-        filled = 0;
     }
+    key.append(piece.data(), filled);
 }
 
 void appendIntegerSortKey(int value, std::string& key) {

@@ -70,9 +70,7 @@ bool TOVTransition::operator<(const TOVTransition& other) const {
 }
 
 void TOVTransition::appendSortKey(std::string& key) const {
-    appendFoldedSortKey(objectType, key);
-    appendFoldedSortKey(attribute, key);
-    appendFoldedSortKey(fromValue, key);
+    appendFoldedSortKeys({&objectType, &attribute, &fromValue}, key);
 }
 
 bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,

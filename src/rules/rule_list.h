@@ -99,7 +99,8 @@ public:
     // place in the list it was replaced by.
     std::size_t documentPosition(std::size_t index) const { return documentPositions[index]; }
 
-    void append(Rule rule) {
+    void append(const Rule& rule) { append(Rule(rule)); }
+    void append(Rule&& rule) {
         // A section lists its rules under their object type, so a load appends
         // runs of one type: the group found for the rule before serves again.
         const std::string& objectType = Access::objectType(rule);
@@ -142,19 +143,21 @@ public:
     // their keys. Otherwise the ties must fall as std::sort lets them fall,
     // and the whole list is sorted the long way.
     void sort() {
-        std::vector<std::size_t> order;
-        std::vector<std::vector<std::size_t>*> groups;
-        if (rulelist::KeysBeginWithObjectType<Access>::value && orderWithoutTies(order, groups)) {
-            rulelist::permuteInPlace(stored, documentPositions, order);
-            // Each group now holds a run of places, in the order of the groups.
-            std::size_t place = 0;
-            for (std::vector<std::size_t>* group : groups) {
-                for (std::size_t& position : *group) {
-                    position = place++;
+        if constexpr (rulelist::KeysBeginWithObjectType<Access>::value) {
+            std::vector<std::size_t> order;
+            std::vector<std::vector<std::size_t>*> groups;
+            if (orderWithoutTies(order, groups)) {
+                rulelist::permuteInPlace(stored, documentPositions, order);
+                // Each group now holds a run of places, in the order of the groups.
+                std::size_t place = 0;
+                for (std::vector<std::size_t>* group : groups) {
+                    for (std::size_t& position : *group) {
+                        position = place++;
+                    }
                 }
+                lastAppended = {};
+                return;
             }
-            lastAppended = {};
-            return;
         }
         sortWithTies();
     }
