@@ -20,12 +20,30 @@ int foldByte(char byte) {
 
 // The bytes of `value` from the most significant, in memory order.
 std::uint64_t bigEndian(std::uint64_t value) {
+#if defined(__GNUC__) && defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    return __builtin_bswap64(value);
+#else
     std::uint64_t result = 0;
     auto* const bytes = reinterpret_cast<unsigned char*>(&result);
     for (int i = 0; i < 8; ++i) {
         bytes[i] = static_cast<unsigned char>(value >> (56 - 8 * i));
     }
     return result;
+#endif
+}
+
+// foldAsciiCase on each of eight bytes at once, each byte's top bit then
+// flipped as a sort key wants it: a byte is a capital letter when it has no
+// top bit and lies between 'A' and 'Z', which two additions tell for all
+// bytes together without carries between them.
+std::uint64_t foldedSortKeyBytes(std::uint64_t word) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+    constexpr std::uint64_t kTopBits = 0x80U * kOnes;
+    const std::uint64_t low = word & ~kTopBits;
+    const std::uint64_t atLeastA = (low + (0x80U - 'A') * kOnes) & kTopBits;
+    const std::uint64_t beyondZ = (low + (0x7FU - 'Z') * kOnes) & kTopBits;
+    const std::uint64_t capital = atLeastA & ~beyondZ & ~word & kTopBits;
+    return (word | (capital >> 2U)) ^ kTopBits;
 }
 
 bool isWhiteSpace(char byte) {
@@ -91,16 +109,18 @@ void appendFoldedSortKeys(std::initializer_list<const std::string*> texts, std::
         const char* next = text->data();
         const char* const end = next + text->size();
         while (next != end) {
-            if (filled == piece.size()) {
+            if (piece.size() - filled < sizeof(std::uint64_t)) {
                 key.append(piece.data(), filled);
                 filled = 0;
             }
+            // Eight bytes at a time; a shorter tail is read as the first bytes
+            // of a word and only those are kept.
             const std::size_t count =
-                std::min(piece.size() - filled, static_cast<std::size_t>(end - next));
-            for (std::size_t i = 0; i < count; ++i) {
-                piece[filled + i] =
-                    static_cast<char>(static_cast<unsigned char>(foldAsciiCase(next[i])) ^ 0x80U);
-            }
+                std::min(sizeof(std::uint64_t), static_cast<std::size_t>(end - next));
+            std::uint64_t word = 0;
+            std::memcpy(&word, next, count);
+            word = foldedSortKeyBytes(word);
+            std::memcpy(piece.data() + filled, &word, count);
             filled += count;
             next += count;
         }
