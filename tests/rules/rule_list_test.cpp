@@ -249,9 +249,9 @@ TypedList typedList(const std::vector<TinyRule>& rules) {
 
 // Types in runs and out of them, in several cases, none two rules equivalent.
 const std::vector<TinyRule> kRulesWithoutTies = {
-    {"Part", "c", "0"}, {"Part", "a", "1"},  {"Doc", "b", "2"},   {"PART", "b", "3"},
-    {"<any>", "a", "4"}, {"Doc", "A1", "5"}, {"Pa", "z", "6"},    {"part", "d", "7"},
-    {"\xC3\xA9t", "a", "8"}, {"Zz~", "a", "9"}, {"doc", "c", "10"}, {"<ANY>", "b", "11"}};
+    {"Part", "c", "0"},      {"Part", "a", "1"}, {"Doc", "b", "2"},  {"PART", "b", "3"},
+    {"<any>", "a", "4"},     {"Doc", "A1", "5"}, {"Pa", "z", "6"},   {"part", "d", "7"},
+    {"\xC3\xA9t", "a", "8"}, {"Zz~", "a", "9"},  {"doc", "c", "10"}, {"<ANY>", "b", "11"}};
 
 TEST(RuleList, WithoutTiesTheGroupsSortAsStdSortWould) {
     TypedList list = typedList(kRulesWithoutTies);

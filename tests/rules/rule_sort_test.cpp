@@ -222,18 +222,18 @@ TEST(RuleSort, ListsWithoutTiesSortAsOperatorLessAcrossManyTypes) {
             name = "t" + name.substr(1) + "\xC3\xA9";
         }
         for (int attribute = 0; attribute < 1 + type % 7; ++attribute) {
-            const std::string attributeName = (attribute % 2 == 0 ? "A" : "b") +
-                                              std::to_string(attribute);
+            const std::string attributeName =
+                (attribute % 2 == 0 ? "A" : "b") + std::to_string(attribute);
             rules.emplace_back(type % 3 == 0 ? "<ANY>" + name : name, attributeName,
                                attribute % 3 == 0 ? "<any>" : "V", std::vector<std::string>{"x"});
         }
     }
     std::shuffle(rules.begin(), rules.end(), engine);
     ASSERT_EQ(withoutEquivalents(rules).size(), rules.size());
-    expectSameOrderAsOperatorLess(rules, [](TOVLifecycleBusinessRules& store,
-                                            const std::vector<TOVTransition>& list) {
-        store.setTransitions(list);
-    });
+    expectSameOrderAsOperatorLess(
+        rules, [](TOVLifecycleBusinessRules& store, const std::vector<TOVTransition>& list) {
+            store.setTransitions(list);
+        });
 }
 
 TEST(RuleSort, VersioningSelectionsSortAsOperatorLess) {
