@@ -18,6 +18,10 @@ public:
     TOVTransition();
     TOVTransition(const std::string& objectType, const std::string& attribute,
                   const std::string& fromValue, const std::vector<std::string>& toValues);
+    // The same rule from fields the caller gives up: a load builds one per
+    // rule of its document, and need not copy what it has just read.
+    TOVTransition(std::string&& objectType, std::string&& attribute, std::string&& fromValue,
+                  std::vector<std::string>&& toValues);
 
     // True when the edit from `initial` to `target` breaks this rule. An
     // attribute the target leaves out is judged as staying on its from value.

@@ -36,6 +36,8 @@ int compareKeysIgnoringCase(std::initializer_list<KeyPair> keys);
 // then each folded byte with its top bit flipped, which turns the signed order
 // of the bytes into the unsigned order of std::string.
 void appendFoldedSortKey(const std::string& text, std::string& key);
+// The same for several fields in turn, appended at once.
+void appendFoldedSortKeys(std::initializer_list<const std::string*> texts, std::string& key);
 // An integer field of a sort key, in four big-endian bytes with the sign bit
 // flipped, so that keys order as the signed integers do.
 void appendIntegerSortKey(int value, std::string& key);

@@ -1,5 +1,6 @@
 #include "json/TOVJsonParser.h"
 
+#include <cstring>
 #include <fstream>
 #include <utility>
 
@@ -10,6 +11,15 @@
 
 namespace {
 const char* const kFundamentalParsingError = "Json has fundamental parsing error";
+
+// A string value is read up to its first zero byte, as a C string would be:
+// the rules and requests never meant one inside a name or a value.
+std::size_t textLengthUpToZeroByte(const tovjson::Value& text) {
+    const char* const begin = text.GetString();
+    const void* const zero = std::memchr(begin, '\0', text.GetStringLength());
+    return zero == nullptr ? text.GetStringLength()
+                           : static_cast<std::size_t>(static_cast<const char*>(zero) - begin);
+}
 }  // namespace
 
 TOVJsonParser::TOVJsonParser() : parsingResult(true) {}
@@ -111,7 +121,7 @@ bool TOVJsonParser::collectStringFromValue(const tovjson::Value& value, std::str
     if (!value.IsString()) {
         return false;
     }
-    out = value.GetString();  // up to the first zero byte, on purpose
+    out.assign(value.GetString(), textLengthUpToZeroByte(value));  // on purpose, see there
     return true;
 }
 
@@ -137,11 +147,10 @@ bool TOVJsonParser::collectStringsFromArray(const tovjson::Value& value,
     // growing it one string at a time cost more than reading the strings.
     out.reserve(out.size() + value.Size());
     for (const auto& element : value.GetArray()) {
-        std::string text;
-        if (!collectStringFromValue(element, text)) {
+        if (!element.IsString()) {
             return false;
         }
-        out.push_back(std::move(text));
+        out.emplace_back(element.GetString(), textLengthUpToZeroByte(element));
     }
     return true;
 }

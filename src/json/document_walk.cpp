@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -22,6 +23,52 @@ constexpr std::size_t kChunkCapacity = std::size_t{64} * 1024;
 }  // namespace
 
 DocumentWalker::~DocumentWalker() = default;
+
+ValueReader& DocumentWalker::valueReader() {
+    // Only a walker that asks for kRead is asked for its reader.
+    std::abort();
+}
+
+void DocumentWalker::read() {}
+
+ValueReader::~ValueReader() = default;
+
+void readValueEvents(const Value& value, ValueReader& reader) {
+    // The containers entered, each with the place of its next member or element.
+    struct Entered {
+        const Value* container;
+        rapidjson::SizeType next;
+    };
+    std::vector<Entered> entered;
+    const Value* current = &value;
+    for (;;) {
+        if (current->IsObject() || current->IsArray()) {
+            reader.open(current->GetType());
+            entered.push_back({current, 0});
+        } else if (current->IsString()) {
+            reader.string(current->GetString(), current->GetStringLength());
+        } else {
+            reader.scalar(current->GetType());
+        }
+        current = nullptr;
+        while (current == nullptr) {
+            if (entered.empty()) {
+                return;
+            }
+            Entered& top = entered.back();
+            if (top.container->IsObject() && top.next < top.container->MemberCount()) {
+                const auto member = top.container->MemberBegin() + top.next++;
+                reader.key(member->name.GetString(), member->name.GetStringLength());
+                current = &member->value;
+            } else if (top.container->IsArray() && top.next < top.container->Size()) {
+                current = &(*top.container)[top.next++];
+            } else {
+                reader.close();
+                entered.pop_back();
+            }
+        }
+    }
+}
 
 ValueCapture::ValueCapture(unsigned keptDepth)
     : keptDepth(keptDepth), allocator(firstChunk.data(), firstChunk.size(), kChunkCapacity) {}
@@ -102,12 +149,20 @@ public:
     bool Uint64(std::uint64_t value) { return number(Value(value)); }
     bool Double(double value) { return number(Value(value)); }
     bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
-        return scalar(rapidjson::kStringType,
-                      [&](Allocator& allocator) { return Value(text, length, allocator); });
+        if (mode == Mode::kRead) {
+            reader->string(text, length);
+            return true;
+        }
+        return scalar(
+            rapidjson::kStringType,
+            [&](Allocator& allocator) { return Value(text, length, allocator); },
+            [&](ValueReader& read) { read.string(text, length); });
     }
     bool StartObject() { return open(rapidjson::kObjectType); }
     bool Key(const char* name, rapidjson::SizeType length, bool /*copy*/) {
-        if (mode == Mode::kCapture) {
+        if (mode == Mode::kRead) {
+            reader->key(name, length);
+        } else if (mode == Mode::kCapture) {
             capture.key(name, length);
         } else if (mode == Mode::kWalk) {
             walker.key(name, length);
@@ -119,22 +174,38 @@ public:
     bool EndArray(rapidjson::SizeType /*elements*/) { return close(); }
 
 private:
-    enum class Mode { kWalk, kSkip, kCapture };
+    enum class Mode { kWalk, kSkip, kCapture, kRead };
 
     bool number(Value value) {
-        return scalar(rapidjson::kNumberType, [&value](Allocator&) { return std::move(value); });
+        const rapidjson::Type type = value.GetType();
+        return scalar(
+            type, [&value](Allocator&) { return std::move(value); },
+            [type](ValueReader& read) { read.scalar(type); });
     }
-
     template <typename MakeValue>
     bool scalar(rapidjson::Type type, MakeValue&& make) {
+        return scalar(type, make, [type](ValueReader& read) { read.scalar(type); });
+    }
+
+    // A scalar: `make` builds it for a capture, `tell` hands it to a reader.
+    template <typename MakeValue, typename Tell>
+    bool scalar(rapidjson::Type type, MakeValue&& make, Tell&& tell) {
         noteRoot(type);
-        if (mode == Mode::kCapture) {
+        if (mode == Mode::kRead) {
+            tell(*reader);
+        } else if (mode == Mode::kCapture) {
             capture.add(make);
             handOverWhenDone();
-        } else if (mode == Mode::kWalk && walker.value(type) == Step::kCapture) {
-            capture.begin();
-            capture.add(make);
-            handOverWhenDone();
+        } else if (mode == Mode::kWalk) {
+            const Step step = walker.value(type);
+            if (step == Step::kCapture) {
+                capture.begin();
+                capture.add(make);
+                handOverWhenDone();
+            } else if (step == Step::kRead) {
+                tell(walker.valueReader());
+                walker.read();
+            }
         }
         return true;
     }
@@ -143,6 +214,9 @@ private:
         noteRoot(type);
         if (mode == Mode::kSkip) {
             ++skipped;
+        } else if (mode == Mode::kRead) {
+            ++skipped;
+            reader->open(type);
         } else if (mode == Mode::kCapture) {
             capture.open(type);
         } else {
@@ -154,6 +228,11 @@ private:
                 mode = Mode::kCapture;
                 capture.begin();
                 capture.open(type);
+            } else if (step == Step::kRead) {
+                mode = Mode::kRead;
+                reader = &walker.valueReader();
+                skipped = 1;
+                reader->open(type);
             }
         }
         return true;
@@ -163,6 +242,12 @@ private:
         if (mode == Mode::kSkip) {
             if (--skipped == 0) {
                 mode = Mode::kWalk;
+            }
+        } else if (mode == Mode::kRead) {
+            reader->close();
+            if (--skipped == 0) {
+                mode = Mode::kWalk;
+                walker.read();
             }
         } else if (mode == Mode::kCapture) {
             capture.close();
@@ -189,7 +274,10 @@ private:
 
     DocumentWalker& walker;
     ValueCapture capture;
+    // The reader of the value being read, in kRead.
+    ValueReader* reader = nullptr;
     Mode mode = Mode::kWalk;
+    // How deep the reader is inside the value skipped, or read, in kSkip or kRead.
     std::size_t skipped = 0;
     bool rootSeen = false;
     rapidjson::Type rootType = rapidjson::kNullType;

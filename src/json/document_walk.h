@@ -22,7 +22,32 @@ enum class Step {
     kEnter,    // an object or array: its members or elements come to the walker
     kSkip,     // read past it
     kCapture,  // built whole and handed to `captured`
+    kRead,     // its events handed to the walker's `valueReader` as they come
 };
+
+// Reads one value from its events, in document order: each container's open
+// and close, each member's name before its value, each scalar. Strings come
+// whole, zero bytes and all; the text lives only for the call. For code that
+// knows the shape it reads and need not have the value built first.
+class ValueReader {
+public:
+    ValueReader() = default;
+    ValueReader(const ValueReader&) = delete;
+    ValueReader& operator=(const ValueReader&) = delete;
+    virtual ~ValueReader();
+
+    virtual void open(rapidjson::Type containerType) = 0;
+    virtual void key(const char* name, std::size_t length) = 0;
+    virtual void close() = 0;
+    // A null, boolean or number.
+    virtual void scalar(rapidjson::Type type) = 0;
+    virtual void string(const char* text, std::size_t length) = 0;
+};
+
+// Hands `value`'s events to `reader` as the reader of a document would, so
+// that a value already built reads as one streaming by. Keeps its place in
+// a list of its own, so that no nesting can exhaust the stack.
+void readValueEvents(const Value& value, ValueReader& reader);
 
 class DocumentWalker {
 public:
@@ -46,6 +71,10 @@ public:
     // The value asked for with kCapture, whole; the walker may move from it.
     // Its memory is reused for the next capture.
     virtual void captured(Value& value) = 0;
+    // For a value asked for with kRead: the reader of its events, asked once
+    // as the value begins, and the call once its last event has gone there.
+    virtual ValueReader& valueReader();
+    virtual void read();
 
 private:
     unsigned keptDepth;

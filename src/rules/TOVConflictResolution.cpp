@@ -183,10 +183,7 @@ bool TOVConflictResolution::operator<(const TOVConflictResolution& other) const 
 }
 
 void TOVConflictResolution::appendSortKey(std::string& key) const {
-    appendFoldedSortKey(objectType, key);
-    appendFoldedSortKey(attribute, key);
-    appendFoldedSortKey(fromValue, key);
-    appendFoldedSortKey(toValue, key);
+    appendFoldedSortKeys({&objectType, &attribute, &fromValue, &toValue}, key);
     appendIntegerSortKey(static_cast<int>(fileUpdated), key);
 }
 

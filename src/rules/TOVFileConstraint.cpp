@@ -106,10 +106,7 @@ bool TOVFileConstraint::operator<(const TOVFileConstraint& other) const {
 }
 
 void TOVFileConstraint::appendSortKey(std::string& key) const {
-    appendFoldedSortKey(objectType, key);
-    appendFoldedSortKey(attribute, key);
-    appendFoldedSortKey(fromValue, key);
-    appendFoldedSortKey(toValue, key);
+    appendFoldedSortKeys({&objectType, &attribute, &fromValue, &toValue}, key);
 }
 
 void TOVFileConstraint::printContentsDBG(TOVLogger* logger) const {

@@ -41,6 +41,8 @@ std::string candidateValue(const std::string& attribute, const AttributesMap& fr
 }  // namespace
 
 struct TOVLifecycleBusinessRules::RuleAccess {
+    // Every rule class begins its key with its object type.
+    static constexpr bool kKeysBeginWithObjectType = true;
     template <typename Rule>
     static decltype(auto) objectType(const Rule& rule) {
         return rule.getObjectType();

@@ -1,6 +1,7 @@
 #include "tov/TOVTransition.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "foundation/compare.h"
 #include "tov/TOVLogger.h"
@@ -12,6 +13,13 @@ TOVTransition::TOVTransition() = default;
 TOVTransition::TOVTransition(const std::string& objectType, const std::string& attribute,
                              const std::string& fromValue, const std::vector<std::string>& toValues)
     : objectType(objectType), attribute(attribute), fromValue(fromValue), toValues(toValues) {}
+
+TOVTransition::TOVTransition(std::string&& objectType, std::string&& attribute,
+                             std::string&& fromValue, std::vector<std::string>&& toValues)
+    : objectType(std::move(objectType)),
+      attribute(std::move(attribute)),
+      fromValue(std::move(fromValue)),
+      toValues(std::move(toValues)) {}
 
 bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
                                                 const AttributesMap& target) const {
@@ -62,9 +70,7 @@ bool TOVTransition::operator<(const TOVTransition& other) const {
 }
 
 void TOVTransition::appendSortKey(std::string& key) const {
-    appendFoldedSortKey(objectType, key);
-    appendFoldedSortKey(attribute, key);
-    appendFoldedSortKey(fromValue, key);
+    appendFoldedSortKeys({&objectType, &attribute, &fromValue}, key);
 }
 
 bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packet,

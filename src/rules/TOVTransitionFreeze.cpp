@@ -49,9 +49,7 @@ bool TOVTransitionFreeze::operator<(const TOVTransitionFreeze& other) const {
 }
 
 void TOVTransitionFreeze::appendSortKey(std::string& key) const {
-    appendFoldedSortKey(objectType, key);
-    appendFoldedSortKey(freezeConditionAttribute, key);
-    appendFoldedSortKey(freezeConditionValue, key);
+    appendFoldedSortKeys({&objectType, &freezeConditionAttribute, &freezeConditionValue}, key);
 }
 
 void TOVTransitionFreeze::printContentsDBG(TOVLogger* logger) const {

@@ -1,5 +1,8 @@
 #include "rules/TOVTransitionRulesJsonParser.h"
 
+#include <cstring>
+#include <utility>
+
 #include "tov/TOVLifecycleBusinessRules.h"
 #include "tov/TOVTransition.h"
 #include "tov/string_helpers.h"
@@ -12,7 +15,20 @@ using rulekinds::kAttribute;
 using rulekinds::kFromValue;
 using rulekinds::kToValue;
 
+bool isNamed(const char* name, std::size_t length, const char* keyword) {
+    return std::strlen(keyword) == length && std::memcmp(name, keyword, length) == 0;
+}
+
+// A value is read up to its first zero byte, as a C string would be.
+std::size_t lengthUpToZeroByte(const char* text, std::size_t length) {
+    const void* const zero = std::memchr(text, '\0', length);
+    return zero == nullptr ? length
+                           : static_cast<std::size_t>(static_cast<const char*>(zero) - text);
+}
+
 }  // namespace
+
+TOVTransitionRulesJsonParser::TOVTransitionRulesJsonParser() : events(*this) {}
 
 TOVTransitionRulesJsonParser::~TOVTransitionRulesJsonParser() = default;
 
@@ -24,35 +40,111 @@ void TOVTransitionRulesJsonParser::getAllNecessaryKeywords(std::vector<std::stri
 
 bool TOVTransitionRulesJsonParser::readRule(tovjson::Value& ruleObject, std::string& objectType,
                                             TOVLifecycleBusinessRules* store) {
-    std::string attribute;
-    std::string fromValue;
-    std::vector<std::string> toValues;
-    for (auto& member : ruleObject.GetObject()) {
-        // Names are compared where they lie: a rule is read for every one of
-        // a large document, and the name is needed as text only for a fault.
-        const tovjson::Value& name = member.name;
-        bool collected = true;
-        if (isMemberNamed(name, kAttribute)) {
-            collected = collectStringFromValue(member.value, attribute);
-        } else if (isMemberNamed(name, kFromValue)) {
-            collected = collectStringFromValue(member.value, fromValue);
-        } else if (isMemberNamed(name, kToValue)) {
-            // A repeated "toValue" adds to the list instead of replacing it.
-            collected = collectStringsFromArray(member.value, toValues);
-        } else if (isMemberNamed(name, kAllowJumps)) {
-            notice("We do not support the allowJumps keyword in the Transition Rule.\n");
-        } else if (isMemberNamed(name, kAllowReverse)) {
-            notice("We do not support the allowReverse keyword in the Transition Rule.");
+    tovjson::readValueEvents(ruleObject, events);
+    return events.finish(objectType, store);
+}
+
+void TOVTransitionRulesJsonParser::RuleEvents::open(rapidjson::Type containerType) {
+    if (depth == 0) {
+        // A new rule object: nothing of the one before is left.
+        member = Member::kOther;
+        inToValues = false;
+        failedMember = nullptr;
+        attribute.clear();
+        fromValue.clear();
+        toValues.clear();
+    } else if (failedMember == nullptr) {
+        if (depth == 1) {
+            // The value of a member is a container: only a list of values may be.
+            if (member == Member::kAttribute || member == Member::kFromValue ||
+                (member == Member::kToValue && containerType != rapidjson::kArrayType)) {
+                fail();
+            } else if (member == Member::kToValue) {
+                inToValues = true;
+            }
+        } else if (depth == 2 && inToValues) {
+            fail();
         }
-        if (!collected) {
-            // Also a bad "toValue" list is reported as a bad single value.
-            return failWith(attributeValueStringParsingError(objectType, getMemberName(name)));
-        }
+    }
+    ++depth;
+}
+
+void TOVTransitionRulesJsonParser::RuleEvents::key(const char* name, std::size_t length) {
+    if (depth != 1 || failedMember != nullptr) {
+        return;
+    }
+    // Names are compared where they lie: a rule is read for every one of a
+    // large document, and the name is needed as text only for a fault.
+    member = Member::kOther;
+    if (isNamed(name, length, kAttribute)) {
+        member = Member::kAttribute;
+    } else if (isNamed(name, length, kFromValue)) {
+        member = Member::kFromValue;
+    } else if (isNamed(name, length, kToValue)) {
+        member = Member::kToValue;
+    } else if (isNamed(name, length, kAllowJumps)) {
+        parser.notice("We do not support the allowJumps keyword in the Transition Rule.\n");
+    } else if (isNamed(name, length, kAllowReverse)) {
+        parser.notice("We do not support the allowReverse keyword in the Transition Rule.");
+    }
+}
+
+void TOVTransitionRulesJsonParser::RuleEvents::close() {
+    --depth;
+    if (depth == 1) {
+        inToValues = false;
+    }
+}
+
+void TOVTransitionRulesJsonParser::RuleEvents::scalar(rapidjson::Type /*type*/) {
+    if (failedMember != nullptr) {
+        return;
+    }
+    if ((depth == 1 && member != Member::kOther) || (depth == 2 && inToValues)) {
+        fail();
+    }
+}
+
+void TOVTransitionRulesJsonParser::RuleEvents::string(const char* text, std::size_t length) {
+    if (failedMember != nullptr) {
+        return;
+    }
+    if (depth == 2 && inToValues) {
+        // A repeated "toValue" adds to the list instead of replacing it.
+        toValues.emplace_back(text, lengthUpToZeroByte(text, length));
+    } else if (depth == 1 && member == Member::kAttribute) {
+        attribute.assign(text, lengthUpToZeroByte(text, length));
+    } else if (depth == 1 && member == Member::kFromValue) {
+        fromValue.assign(text, lengthUpToZeroByte(text, length));
+    } else if (depth == 1 && member == Member::kToValue) {
+        fail();
+    }
+}
+
+void TOVTransitionRulesJsonParser::RuleEvents::fail() {
+    // Also a bad "toValue" list is reported as a bad single value.
+    failedMember = member == Member::kAttribute   ? kAttribute
+                   : member == Member::kFromValue ? kFromValue
+                                                  : kToValue;
+}
+
+bool TOVTransitionRulesJsonParser::RuleEvents::finish(std::string& objectType,
+                                                      TOVLifecycleBusinessRules* store) {
+    if (failedMember != nullptr) {
+        return parser.failWith(parser.attributeValueStringParsingError(objectType, failedMember));
     }
     if (objectType.empty() || attribute.empty() || fromValue.empty() || toValues.empty()) {
-        return failWith(notAllNecessaryKeywordsFoundParsingError(objectType));
+        return parser.failWith(parser.notAllNecessaryKeywordsFoundParsingError(objectType));
     }
     changeAllToAny(objectType);
-    store->appendNewTransitionRule(TOVTransition(objectType, attribute, fromValue, toValues));
+    // The rule's own list is allocated once at its length; `toValues` keeps
+    // its room for the next rule.
+    std::vector<std::string> values;
+    values.reserve(toValues.size());
+    for (std::string& value : toValues) {
+        values.push_back(std::move(value));
+    }
+    store->appendNewTransitionRule(TOVTransition(std::string(objectType), std::move(attribute),
+                                                 std::move(fromValue), std::move(values)));
     return true;
 }

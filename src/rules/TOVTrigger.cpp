@@ -42,9 +42,7 @@ bool TOVTrigger::operator<(const TOVTrigger& other) const {
 }
 
 void TOVTrigger::appendSortKey(std::string& key) const {
-    appendFoldedSortKey(objectType, key);
-    appendFoldedSortKey(attribute, key);
-    appendFoldedSortKey(triggerInitialize, key);
+    appendFoldedSortKeys({&objectType, &attribute, &triggerInitialize}, key);
 }
 
 void TOVTrigger::printContentsDBG(TOVLogger* logger) const {

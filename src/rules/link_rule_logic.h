@@ -62,10 +62,7 @@ inline bool precedes(const LinkRuleView& first, const LinkRuleView& second) {
 }
 
 inline void appendSortKey(const LinkRuleView& rule, std::string& key) {
-    appendFoldedSortKey(rule.objectType, key);
-    appendFoldedSortKey(rule.attribute, key);
-    appendFoldedSortKey(rule.fromValue, key);
-    appendFoldedSortKey(rule.toValue, key);
+    appendFoldedSortKeys({&rule.objectType, &rule.attribute, &rule.fromValue, &rule.toValue}, key);
 }
 
 // `neighbours` names whose values are constrained, e.g. " then its manual link

@@ -9,10 +9,19 @@
 #include <vector>
 
 #include "json/TOVJsonParser.h"
+#include "json/document_walk.h"
 #include "json/json_types.h"
 #include "rules/rule_kinds.h"
 
 class TOVLifecycleBusinessRules;
+
+// Reads one rule object from its events (tovjson::ValueReader), each rule
+// from the open of its object to its close, then `finish` does with what it
+// read what readRule does with a rule object.
+class RuleEventReader : public tovjson::ValueReader {
+public:
+    virtual bool finish(std::string& objectType, TOVLifecycleBusinessRules* store) = 0;
+};
 
 // A section maps object types to lists of rule objects. The first error ends
 // the section: after a false the reader hands it nothing more.
@@ -23,6 +32,10 @@ public:
     // "<any>"), which the rules after it under the same type then see.
     virtual bool readRule(tovjson::Value& ruleObject, std::string& objectType,
                           TOVLifecycleBusinessRules* store) = 0;
+    // The reader of a section that reads its rules from the document's
+    // events as they stream by, without a tree of each rule; null for one
+    // that reads trees.
+    virtual RuleEventReader* ruleEvents() { return nullptr; }
 
     // The faults of the section's frame: what an object type lists is no
     // list; an entry of its list is no object.

@@ -62,7 +62,8 @@ tovjson::Step RulesDocumentWalker::value(rapidjson::Type type) {
                 sectionFailed = true;
                 return tovjson::Step::kSkip;
             }
-            return tovjson::Step::kCapture;
+            return section->ruleEvents() != nullptr ? tovjson::Step::kRead
+                                                    : tovjson::Step::kCapture;
     }
     return tovjson::Step::kSkip;
 }
@@ -88,4 +89,12 @@ void RulesDocumentWalker::leave() {
 
 void RulesDocumentWalker::captured(tovjson::Value& value) {
     sectionFailed = !section->readRule(value, objectType, store);
+}
+
+tovjson::ValueReader& RulesDocumentWalker::valueReader() {
+    return *section->ruleEvents();
+}
+
+void RulesDocumentWalker::read() {
+    sectionFailed = !section->ruleEvents()->finish(objectType, store);
 }

@@ -1,8 +1,8 @@
 // Walks the rules document as it streams by. Each section is the first member
 // of the root that bears its key, as a lookup by name finds it; a section
 // that is no object is as good as absent. Its rule objects go one at a time,
-// each as a small tree, to the section's reader, in document order; the first
-// error ends the section, and the rest of it is read past.
+// each as its events or as a small tree, to the section's reader, in document
+// order; the first error ends the section, and the rest of it is read past.
 #ifndef TOV_RULES_RULES_DOCUMENT_WALKER_H_
 #define TOV_RULES_RULES_DOCUMENT_WALKER_H_
 
@@ -28,6 +28,8 @@ public:
     void key(const char* name, std::size_t length) override;
     void leave() override;
     void captured(tovjson::Value& value) override;
+    tovjson::ValueReader& valueReader() override;
+    void read() override;
 
 private:
     enum class Level {

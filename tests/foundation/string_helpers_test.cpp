@@ -61,6 +61,55 @@ TEST(StringHelpersVocabulary, JsonKeysAndLoggingWordHaveTheirExactValues) {
 // ---------------------------------------------------------------------------
 // Comparison
 
+// A sort key's field as it is defined: the length in eight big-endian bytes,
+// then each byte folded with its top bit flipped, one at a time.
+std::string referenceSortKeyField(const std::string& text) {
+    std::string field;
+    const auto length = static_cast<unsigned long long>(text.size());
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        field.push_back(static_cast<char>((length >> shift) & 0xFFU));
+    }
+    for (const char byte : text) {
+        field.push_back(static_cast<char>(static_cast<unsigned char>(foldAsciiCase(byte)) ^ 0x80U));
+    }
+    return field;
+}
+
+TEST(StringHelpers, SortKeysFoldEveryByteValueAtEveryPlace) {
+    // Every byte value at every place of a word, among neighbours that vary,
+    // in texts long enough to fill the folding buffer more than once.
+    for (std::size_t length = 0; length <= 600; length += length < 40 ? 1 : 37) {
+        std::string text(length, '\0');
+        for (std::size_t i = 0; i < length; ++i) {
+            text[i] = static_cast<char>((i * 37 + length) & 0xFFU);
+        }
+        std::string key = "prefix";
+        appendFoldedSortKey(text, key);
+        EXPECT_EQ(key, "prefix" + referenceSortKeyField(text)) << "length " << length;
+    }
+    for (int byte = 0; byte < 256; ++byte) {
+        for (std::size_t place = 0; place < 9; ++place) {
+            std::string text = "aZ@[`{\x80\xFF\x41";
+            text[place] = static_cast<char>(byte);
+            std::string key;
+            appendFoldedSortKey(text, key);
+            ASSERT_EQ(key, referenceSortKeyField(text)) << "byte " << byte << " at " << place;
+        }
+    }
+}
+
+TEST(StringHelpers, SortKeysOfSeveralFieldsAreTheFieldsInTurn) {
+    const std::string empty;
+    const std::string type = "Part";
+    const std::string long_text(300, 'Q');
+    const std::string other = "\xC3\x89t\xC3\xA9 <ANY>";
+    std::string key = "x";
+    appendFoldedSortKeys({&type, &empty, &long_text, &other, &type}, key);
+    EXPECT_EQ(key, "x" + referenceSortKeyField(type) + referenceSortKeyField(empty) +
+                       referenceSortKeyField(long_text) + referenceSortKeyField(other) +
+                       referenceSortKeyField(type));
+}
+
 TEST(StringHelpers, ComparesIgnoringCase) {
     EXPECT_TRUE(areStringsEqualSimple("abc", "ABC"));
     EXPECT_FALSE(areStringsEqualSimple("abc", "abcd"));

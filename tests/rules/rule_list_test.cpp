@@ -196,4 +196,109 @@ TEST(RuleList, ACopyHandsOutItsOwnRules) {
     EXPECT_EQ(positionsOf(copy), positionsOf(original));
 }
 
+// The rule classes' keys begin with their object type, which lets the list
+// sort group by group; these rules' keys do the same.
+struct TypedAccess {
+    static constexpr bool kKeysBeginWithObjectType = true;
+    static const std::string& objectType(const TinyRule& rule) { return rule.objectType; }
+    static void appendSortKey(const TinyRule& rule, std::string& key) {
+        appendFoldedSortKey(rule.objectType, key);
+        appendFoldedSortKey(rule.key, key);
+    }
+};
+
+using TypedList = RuleList<TinyRule, TypedAccess>;
+
+std::vector<std::string> namesOf(const TypedList& list) {
+    std::vector<std::string> names;
+    for (const TinyRule& rule : list.rules()) {
+        names.push_back(rule.name);
+    }
+    return names;
+}
+
+std::vector<std::string> select(const TypedList& list, const std::string& objectType) {
+    std::vector<const TinyRule*> related;
+    list.select(objectType, nullptr, related, kEvery);
+    return namesOf(related);
+}
+
+// What std::sort makes of `rules` under the keys of TypedAccess.
+std::vector<std::string> namesSortedByStdSort(std::vector<TinyRule> rules) {
+    std::sort(rules.begin(), rules.end(), [](const TinyRule& first, const TinyRule& second) {
+        std::string firstKey;
+        std::string secondKey;
+        TypedAccess::appendSortKey(first, firstKey);
+        TypedAccess::appendSortKey(second, secondKey);
+        return firstKey < secondKey;
+    });
+    std::vector<std::string> names;
+    for (const TinyRule& rule : rules) {
+        names.push_back(rule.name);
+    }
+    return names;
+}
+
+TypedList typedList(const std::vector<TinyRule>& rules) {
+    TypedList list;
+    for (const TinyRule& rule : rules) {
+        list.append(rule);
+    }
+    return list;
+}
+
+// Types in runs and out of them, in several cases, none two rules equivalent.
+const std::vector<TinyRule> kRulesWithoutTies = {
+    {"Part", "c", "0"},      {"Part", "a", "1"}, {"Doc", "b", "2"},  {"PART", "b", "3"},
+    {"<any>", "a", "4"},     {"Doc", "A1", "5"}, {"Pa", "z", "6"},   {"part", "d", "7"},
+    {"\xC3\xA9t", "a", "8"}, {"Zz~", "a", "9"},  {"doc", "c", "10"}, {"<ANY>", "b", "11"}};
+
+TEST(RuleList, WithoutTiesTheGroupsSortAsStdSortWould) {
+    TypedList list = typedList(kRulesWithoutTies);
+    list.sort();
+    EXPECT_EQ(namesOf(list), namesSortedByStdSort(kRulesWithoutTies));
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        EXPECT_EQ(std::to_string(list.documentPosition(i)), list.rules()[i].name);
+    }
+    // The index follows the new order, each group a run: "<any>", five
+    // letters long, sorts after "Part" and "Doc"; within "Doc", "A1" is the
+    // longest key.
+    EXPECT_EQ(select(list, "PART"), (std::vector<std::string>{"1", "3", "0", "7", "4", "11"}));
+    EXPECT_EQ(select(list, "Doc"), (std::vector<std::string>{"2", "10", "5", "4", "11"}));
+}
+
+TEST(RuleList, WithATieTheWholeListSortsAsStdSortWould) {
+    std::vector<TinyRule> rules = kRulesWithoutTies;
+    rules.push_back({"PART", "C", "12"});  // equivalent to the first
+    rules.push_back({"doc", "b", "13"});   // and to the third
+    TypedList list = typedList(rules);
+    list.sort();
+    EXPECT_EQ(namesOf(list), namesSortedByStdSort(rules));
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        EXPECT_EQ(std::to_string(list.documentPosition(i)), list.rules()[i].name);
+    }
+}
+
+TEST(RuleList, RulesAppendedAfterASortJoinTheirGroups) {
+    TypedList list = typedList(kRulesWithoutTies);
+    list.sort();
+    list.append({"Part", "e", "12"});
+    list.append({"Note", "e", "13"});
+    list.append({"part", "f", "14"});
+    EXPECT_EQ(select(list, "Part"),
+              (std::vector<std::string>{"1", "3", "0", "7", "4", "11", "12", "14"}));
+    EXPECT_EQ(select(list, "note"), (std::vector<std::string>{"4", "11", "13"}));
+}
+
+TEST(RuleList, ACopyAppendsToItsOwnIndex) {
+    TypedList original = typedList(kRulesWithoutTies);
+    TypedList copy = original;
+    // The last rule appended to the original was of type "<ANY>": the copy's
+    // rule of that type must join the copy's group, not the original's.
+    copy.append({"<ANY>", "c", "12"});
+    original.append({"<ANY>", "d", "13"});
+    EXPECT_EQ(select(copy, "Note"), (std::vector<std::string>{"4", "11", "12"}));
+    EXPECT_EQ(select(original, "Note"), (std::vector<std::string>{"4", "11", "13"}));
+}
+
 }  // namespace

@@ -91,8 +91,25 @@ void expectSameOrderAsOperatorLess(const std::vector<Rule>& rules, SetRules setR
     ASSERT_EQ(storeOrder(sortedByStore), storeOrder(expected));
 }
 
+// The rules in their order, each left out when an earlier one is equivalent
+// to it: a list without ties, which the store sorts group by group.
+template <typename Rule>
+std::vector<Rule> withoutEquivalents(const std::vector<Rule>& rules) {
+    std::vector<Rule> kept;
+    for (const Rule& rule : rules) {
+        const bool tied = std::any_of(kept.begin(), kept.end(), [&rule](const Rule& other) {
+            return !(rule < other) && !(other < rule);
+        });
+        if (!tied) {
+            kept.push_back(rule);
+        }
+    }
+    return kept;
+}
+
 // Lists of every length up to 200: short ones are sorted by insertion alone,
-// long ones go through partitioning first.
+// long ones go through partitioning first. Each list is sorted as drawn, ties
+// and all, and once more without its ties.
 template <typename Rule, typename MakeRule, typename SetRules>
 void checkManyLists(unsigned seed, MakeRule makeRule, SetRules setRules) {
     RandomWords random(seed);
@@ -102,6 +119,7 @@ void checkManyLists(unsigned seed, MakeRule makeRule, SetRules setRules) {
             rules.push_back(makeRule(random));
         }
         expectSameOrderAsOperatorLess(rules, setRules);
+        expectSameOrderAsOperatorLess(withoutEquivalents(rules), setRules);
     }
 }
 
@@ -189,6 +207,32 @@ TEST(RuleSort, ManualLinksSortAsOperatorLess) {
         },
         [](TOVLifecycleBusinessRules& store, const std::vector<TOVManualLink>& rules) {
             store.setManualLinks(rules);
+        });
+}
+
+// Many object types, a few rules each, none equivalent to another, in a
+// shuffled order: the groups must come out in the order of their types, case
+// and bytes beyond ASCII included, and the rules of each in their own order.
+TEST(RuleSort, ListsWithoutTiesSortAsOperatorLessAcrossManyTypes) {
+    std::mt19937 engine(9);
+    std::vector<TOVTransition> rules;
+    for (int type = 0; type < 300; ++type) {
+        std::string name = "T" + std::to_string(type % 150);
+        if (type >= 150) {
+            name = "t" + name.substr(1) + "\xC3\xA9";
+        }
+        for (int attribute = 0; attribute < 1 + type % 7; ++attribute) {
+            const std::string attributeName =
+                (attribute % 2 == 0 ? "A" : "b") + std::to_string(attribute);
+            rules.emplace_back(type % 3 == 0 ? "<ANY>" + name : name, attributeName,
+                               attribute % 3 == 0 ? "<any>" : "V", std::vector<std::string>{"x"});
+        }
+    }
+    std::shuffle(rules.begin(), rules.end(), engine);
+    ASSERT_EQ(withoutEquivalents(rules).size(), rules.size());
+    expectSameOrderAsOperatorLess(
+        rules, [](TOVLifecycleBusinessRules& store, const std::vector<TOVTransition>& list) {
+            store.setTransitions(list);
         });
 }
 
