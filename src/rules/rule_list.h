@@ -234,8 +234,10 @@ private:
     struct LastAppended {
         LastAppended() = default;
         LastAppended(const LastAppended& /*other*/) {}
-        LastAppended& operator=(const LastAppended& /*other*/) {
-            group = nullptr;
+        LastAppended& operator=(const LastAppended& other) {
+            if (this != &other) {
+                group = nullptr;
+            }
             return *this;
         }
         std::string objectType;

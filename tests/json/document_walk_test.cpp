@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "json/TOVJsonParser.h"
 #include "json/document_walk.h"
@@ -96,7 +97,7 @@ TEST(DocumentWalk, DeepNestingTellsEveryOpenAndCloseWithoutExhaustingTheStack) {
 }
 
 TEST(DocumentWalk, ValuesReadStreamingTellTheEventsOfTheTree) {
-    const std::string texts[] = {
+    const std::vector<std::string> texts = {
         R"({"rule":{"attribute":"S","fromValue":"a","toValue":["b","c"]}})",
         R"({"a":"x\u0000y","b":"\u00e9\"\\","c":-1.5e3,"d":18446744073709551615,"e":[[[[]]]]})",
         R"({"a":{"a":{"a":{"a":{"a":1}}}},"b":[{},[],"",0,false,null],"a":"again"})",

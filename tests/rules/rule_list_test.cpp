@@ -233,6 +233,7 @@ std::vector<std::string> namesSortedByStdSort(std::vector<TinyRule> rules) {
         return firstKey < secondKey;
     });
     std::vector<std::string> names;
+    names.reserve(rules.size());
     for (const TinyRule& rule : rules) {
         names.push_back(rule.name);
     }
