@@ -11,12 +11,17 @@ namespace {
 // Plain constants: initialised before any call, so concurrent first use is safe.
 constexpr const char* kMembersOfFamily = "membersOfFamily";
 constexpr const char* kManualLinkAncestors = "manualLinkAncestors";
+// RapidJSON's own sizes: a pool chunk, and the first size of its parse stack.
+constexpr std::size_t kPoolChunkBytes = 64 * 1024;
+constexpr std::size_t kParseStackBytes = 1024;
 
 }  // namespace
 
 // --- TOVTransitionJsonParser ---
 
-TOVTransitionJsonParser::TOVTransitionJsonParser() = default;
+TOVTransitionJsonParser::TOVTransitionJsonParser()
+    : pool(poolBuffer.data(), kPoolBytes, kPoolChunkBytes, &heap),
+      document(&pool, kParseStackBytes, &heap) {}
 
 TOVTransitionJsonParser::~TOVTransitionJsonParser() = default;
 
