@@ -7,6 +7,7 @@
 #include "evaluators/TOVTransitionJsonParsers.h"
 #include "evaluators/decision_steps.h"
 #include "evaluators/rule_refusal.h"
+#include "foundation/name_index.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
 #include "tov/TOVConflictResolution.h"
@@ -317,10 +318,13 @@ bool TOVEditController::getLastTransitionFreezeRuleViolation(TOVTransitionFreeze
 }
 
 bool TOVEditController::getFirstTransitionRuleViolation(TOVTransition& violated) {
+    const DecisionSteps steps(getCoreData());
+    if (!steps.observed()) {
+        return getFirstTransitionRuleViolationUntold(violated);
+    }
     std::vector<const TOVTransition*> related;
     getLifecycleBusinessRules()->getRelatedTransitionRules(objectType, getAllAttributeNames(),
                                                            getLifecycleDMInfo(), related);
-    const DecisionSteps steps(getCoreData());
     for (const TOVTransition* rule : related) {
         if (shouldIgnoreTransitionRule(*rule)) {
             steps.tell(rule, TOVRuleOutcome_NotApplicable);
@@ -334,6 +338,52 @@ bool TOVEditController::getFirstTransitionRuleViolation(TOVTransition& violated)
         if (steps.observed()) {
             steps.tell(rule, rule->appliesTo(fromValues) ? TOVRuleOutcome_Approved
                                                          : TOVRuleOutcome_NotApplicable);
+        }
+    }
+    return false;
+}
+
+// The same walk when no observer hears the rules: the rules are taken by
+// object type, and each finds its attribute in one hash of the packets. A rule
+// whose attribute the initial packet lacks is passed over, as it would be
+// either way: the lookup by the object's attribute names leaves it out, or it
+// does not bind. So an object without an initial packet meets no rule at all.
+bool TOVEditController::getFirstTransitionRuleViolationUntold(TOVTransition& violated) {
+    if (fromValues.empty()) {
+        return false;
+    }
+    std::vector<const TOVTransition*> candidates;
+    if (!getLifecycleBusinessRules()->getTransitionRulesOfObjectType(
+            objectType, getLifecycleDMInfo(), candidates)) {
+        return false;
+    }
+    NameIndex names(fromValues.size());
+    std::vector<std::pair<const std::string*, const std::string*>> values;  // (initial, target)
+    values.reserve(fromValues.size());
+    for (const auto& entry : fromValues) {
+        names.add(entry.first);
+        values.emplace_back(&entry.second, nullptr);
+    }
+    for (const auto& entry : toValues) {
+        const std::size_t place = names.find(entry.first);
+        if (place != NameIndex::npos) {
+            values[place].second = &entry.second;
+        }
+    }
+    // Asked once rather than per rule: whether the edit moves the object to
+    // another family.
+    const bool editsFamily = editsPropertiesUsedForObjectFamilyDetection();
+    for (const TOVTransition* rule : candidates) {
+        const std::size_t place = names.find(rule->getAttribute());
+        if (place == NameIndex::npos) {
+            continue;
+        }
+        if (editsFamily && shouldIgnoreTransitionRule(*rule)) {
+            continue;
+        }
+        if (rule->shouldTransitionBeForbiddenFrom(values[place].first, values[place].second)) {
+            violated = *rule;
+            return true;
         }
     }
     return false;

@@ -26,6 +26,17 @@ bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
                                                                        : attempted->second);
 }
 
+bool TOVTransition::shouldTransitionBeForbiddenFrom(const std::string* currentValue,
+                                                    const std::string* attemptedValue) const {
+    // isPackageFromValueBoundByThisRule, on the value the caller found.
+    if (currentValue == nullptr ||
+        !areStringsEqualAccountingAlsoAnyValue(*currentValue, fromValue)) {
+        return false;
+    }
+    return shouldAttemptedToValueBeForbidden(attemptedValue == nullptr ? *currentValue
+                                                                       : *attemptedValue);
+}
+
 bool TOVTransition::appliesTo(const AttributesMap& initial) const {
     std::string currentValue;
     return isPackageFromValueBoundByThisRule(initial, currentValue);
