@@ -7,6 +7,7 @@
 #include "evaluators/TOVTransitionJsonParsers.h"
 #include "evaluators/decision_steps.h"
 #include "evaluators/rule_refusal.h"
+#include "foundation/log_reading.h"
 #include "foundation/name_index.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
@@ -196,6 +197,16 @@ bool TOVEditController::calculateEditsPropertiesUsedForFamilyDetectionCore(
 
 // --- The chain ---
 
+namespace {
+
+// A kind without any rule relates none to an edit: its check needs neither
+// the lookup nor what the lookup is given, such as the list of names.
+bool holdsNoRules(const TOVLifecycleBusinessRules* store, TOVRuleKind kind) {
+    return store->countRules(kind) == 0;
+}
+
+}  // namespace
+
 bool TOVEditController::evaluateRequest(TOVResponse& response) {
     if (foundUninitializedRulesViolation(response)) {
         return false;
@@ -240,6 +251,9 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
 }
 
 bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_TransitionFreeze)) {
+        return false;
+    }
     TOVTransitionFreeze violated;
     if (!getLastTransitionFreezeRuleViolation(violated)) {
         return false;
@@ -249,6 +263,9 @@ bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response
 }
 
 bool TOVEditController::foundTransitionRuleViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_Transition)) {
+        return false;
+    }
     TOVTransition violated;
     if (!getFirstTransitionRuleViolation(violated)) {
         return false;
@@ -258,6 +275,9 @@ bool TOVEditController::foundTransitionRuleViolation(TOVResponse& response) {
 }
 
 bool TOVEditController::foundFileConstraintViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_FileConstraint)) {
+        return false;
+    }
     TOVFileConstraint violated;
     if (!getFirstFileConstraintRuleViolation(violated)) {
         return false;
@@ -267,6 +287,9 @@ bool TOVEditController::foundFileConstraintViolation(TOVResponse& response) {
 }
 
 bool TOVEditController::foundConflictResolutionViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_ConflictResolution)) {
+        return false;
+    }
     if (!shouldCheckForConflictResolutionViolations()) {
         return false;
     }
@@ -548,6 +571,11 @@ bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
 bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated,
                                                          AttributesMap& offendingEntry,
                                                          bool& missingData) {
+    // The lookup logs what it looked for, so it is skipped only unheard.
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_HistoryLink) &&
+        !isLogRead(getLifecycleLogger())) {
+        return false;
+    }
     // Looked up by every attribute of the object: a family rule holds whenever
     // the object stands on the rule's value, whether or not this edit put it there.
     std::vector<const TOVHistoryLink*> related;
@@ -564,6 +592,11 @@ bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violate
 bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
                                                         AttributesMap& offendingEntry,
                                                         bool& missingData) {
+    // As for the history links: the lookup logs.
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_ManualLink) &&
+        !isLogRead(getLifecycleLogger())) {
+        return false;
+    }
     // Looked up by the edited attributes only: a manual link rule judges the
     // step onto its value, not an object that already stands there.
     std::vector<const TOVManualLink*> related;
