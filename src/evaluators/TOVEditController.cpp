@@ -393,18 +393,15 @@ bool TOVEditController::getFirstTransitionRuleViolationUntold(TOVTransition& vio
             values[place].second = &entry.second;
         }
     }
-    // Asked once rather than per rule: whether the edit moves the object to
-    // another family.
-    const bool editsFamily = editsPropertiesUsedForObjectFamilyDetection();
     for (const TOVTransition* rule : candidates) {
         const std::size_t place = names.find(rule->getAttribute());
         if (place == NameIndex::npos) {
             continue;
         }
-        if (editsFamily && shouldIgnoreTransitionRule(*rule)) {
-            continue;
-        }
-        if (rule->shouldTransitionBeForbiddenFrom(values[place].first, values[place].second)) {
+        // Whether to ignore the rule is asked only of a rule that forbids:
+        // both questions are pure, and most rules forbid nothing.
+        if (rule->shouldTransitionBeForbiddenFrom(values[place].first, values[place].second) &&
+            !shouldIgnoreTransitionRule(*rule)) {
             violated = *rule;
             return true;
         }
