@@ -1,5 +1,6 @@
 #include "evaluators/TOVTransitionJsonParsers.h"
 
+#include <cstring>
 #include <utility>
 
 #include "tov/attribute_packets.h"
@@ -26,7 +27,14 @@ TOVTransitionJsonParser::TOVTransitionJsonParser()
 TOVTransitionJsonParser::~TOVTransitionJsonParser() = default;
 
 bool TOVTransitionJsonParser::load(const std::string& input, bool inputIsFilePath) {
-    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+    if (inputIsFilePath) {
+        return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+    }
+    // Most of a parse is copying strings, a character at a time: parsed in
+    // place, a copy of the text in the document's own pool holds them instead.
+    auto* const text = static_cast<char*>(pool.Malloc(input.size() + 1));
+    std::memcpy(text, input.c_str(), input.size() + 1);
+    return fillJsonDocumentFromJsonTextInPlace(text, document);
 }
 
 bool TOVTransitionJsonParser::parseAllSections() {

@@ -53,6 +53,11 @@ bool TOVJsonParser::fillJsonDocumentFromJsonString(const std::string& text,
     return acceptParsedDocument(document);
 }
 
+bool TOVJsonParser::fillJsonDocumentFromJsonTextInPlace(char* text, tovjson::Document& document) {
+    document.ParseInsitu<kTOVParseFlags>(text);
+    return acceptParsedDocument(document);
+}
+
 bool TOVJsonParser::fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
                                               tovjson::Document& document) {
     return inputIsFilePath ? fillJsonDocumentFromJsonFile(input, document)
