@@ -36,12 +36,12 @@ public:
     EditRequest takeRequest() { return std::move(request); }
 
 private:
-    // An edit request's tree fits in a few kilobytes. Taking them from the
-    // parser, which lives on the caller's stack, spares a 64 KiB pool chunk
-    // per request, whose release also makes the heap merge its small free
+    // An edit request's text and tree fit in a few kilobytes. Taking them from
+    // the parser, which lives on the caller's stack, spares a 64 KiB pool chunk
+    // per request, whose release also made the heap merge its small free
     // blocks, so that every allocation after it took the slow path. A larger
-    // request goes on in chunks from the heap as before.
-    static constexpr std::size_t kPoolBytes = 4096;
+    // request goes on in heap chunks as before.
+    static constexpr std::size_t kPoolBytes = 8192;
     alignas(std::max_align_t) std::array<unsigned char, kPoolBytes> poolBuffer;
     tovjson::ThrowingAllocator heap;
     tovjson::Allocator pool;
