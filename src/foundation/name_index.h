@@ -102,9 +102,19 @@ private:
         return word;
     }
 
+    // Names of four to eight bytes, the most common, are compared as two
+    // overlapping words rather than through a call.
     static bool sameBytes(std::string_view first, std::string_view second) {
-        return first.size() == second.size() &&
-               (first.empty() || std::memcmp(first.data(), second.data(), first.size()) == 0);
+        const std::size_t size = first.size();
+        if (size != second.size()) {
+            return false;
+        }
+        if (size >= 4 && size <= 8) {
+            return load<std::uint32_t>(first.data()) == load<std::uint32_t>(second.data()) &&
+                   load<std::uint32_t>(first.data() + size - 4) ==
+                       load<std::uint32_t>(second.data() + size - 4);
+        }
+        return size == 0 || std::memcmp(first.data(), second.data(), size) == 0;
     }
 
     std::size_t mask() const { return slots.size() - 1; }
