@@ -106,13 +106,24 @@ const std::vector<std::string>& TOVEditController::getAllAttributeNames() {
 
 // --- Input ---
 
+namespace {
+
+// getInputDataLabelIdentifierForTransitionData, built once: the label is
+// longer than a string holds without the heap, and every edit asks twice.
+const std::string& transitionDataLabel() {
+    static const std::string label =
+        TOVEditController::getInputDataLabelIdentifierForTransitionData();
+    return label;
+}
+
+}  // namespace
+
 bool TOVEditController::isInputDataSufficient() {
-    return hasNonEmptyInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
+    return hasNonEmptyInputWithThisLabel(transitionDataLabel());
 }
 
 bool TOVEditController::parseInputData(TOVResponse& response) {
-    const std::string& input =
-        getInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
+    const std::string& input = getInputWithThisLabel(transitionDataLabel());
 
     TOVTransitionJsonParser parser;
     const bool parsed = parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
