@@ -1,6 +1,7 @@
 #include "tov/TOVEditController.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -392,11 +393,19 @@ bool TOVEditController::getFirstTransitionRuleViolationUntold(TOVTransition& vio
         return false;
     }
     NameIndex names(fromValues.size());
-    std::vector<std::pair<const std::string*, const std::string*>> values;  // (initial, target)
-    values.reserve(fromValues.size());
+    // (initial, target) at each place of the index; a usual packet's fit here.
+    using Values = std::pair<const std::string*, const std::string*>;
+    std::array<Values, 32> valuesInPlace;
+    std::vector<Values> valuesOnHeap;
+    Values* values = valuesInPlace.data();
+    if (fromValues.size() > valuesInPlace.size()) {
+        valuesOnHeap.resize(fromValues.size());
+        values = valuesOnHeap.data();
+    }
+    std::size_t added = 0;
     for (const auto& entry : fromValues) {
         names.add(entry.first);
-        values.emplace_back(&entry.second, nullptr);
+        values[added++] = Values(&entry.second, nullptr);
     }
     for (const auto& entry : toValues) {
         const std::size_t place = names.find(entry.first);

@@ -6,6 +6,7 @@
 #define TOV_FOUNDATION_NAME_INDEX_H_
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -25,25 +26,28 @@ public:
             capacity *= 2;
             --shift;
         }
-        slots.resize(capacity);
+        useSlots(capacity);
     }
+    // The slots may lie in the index itself.
+    NameIndex(const NameIndex&) = delete;
+    NameIndex& operator=(const NameIndex&) = delete;
 
     // The name gets the next place: 0 for the first added, and so on. The
     // characters are not copied, so they must outlive the index. A name added
     // twice keeps its first place.
     void add(std::string_view name) {
-        if ((added + 1) * 4 > slots.size() * 3) {
+        if ((added + 1) * 4 > slotCount * 3) {
             grow();
         }
         const std::size_t place = added++;
         const std::uint64_t code = hash(name);
         for (std::size_t slot = firstSlot(code);; slot = (slot + 1) & mask()) {
             Slot& candidate = slots[slot];
-            if (candidate.name.data() == nullptr) {
-                candidate = Slot{name, code, place};
+            if (candidate.name == nullptr) {
+                candidate = Slot{name.data(), name.size(), code, place};
                 return;
             }
-            if (candidate.hash == code && sameBytes(candidate.name, name)) {
+            if (candidate.hash == code && sameBytes(candidate.view(), name)) {
                 return;
             }
         }
@@ -54,10 +58,10 @@ public:
         const std::uint64_t code = hash(name);
         for (std::size_t slot = firstSlot(code);; slot = (slot + 1) & mask()) {
             const Slot& candidate = slots[slot];
-            if (candidate.name.data() == nullptr) {
+            if (candidate.name == nullptr) {
                 return npos;
             }
-            if (candidate.hash == code && sameBytes(candidate.name, name)) {
+            if (candidate.hash == code && sameBytes(candidate.view(), name)) {
                 return candidate.place;
             }
         }
@@ -65,12 +69,18 @@ public:
 
 private:
     // An empty slot has no characters at all; an added name, even an empty
-    // one, points into its string.
+    // one, points into its string. Plain fields, so that the slots kept in the
+    // index need no work until a table of that size is asked for.
     struct Slot {
-        std::string_view name;
-        std::uint64_t hash = 0;
-        std::size_t place = 0;
+        const char* name;
+        std::size_t size;
+        std::uint64_t hash;
+        std::size_t place;
+
+        std::string_view view() const { return {name, size}; }
     };
+    // A table this small lies in the index itself rather than on the heap.
+    static constexpr std::size_t kSlotsInPlace = 32;
 
     // Attribute names are short: eight bytes at a time, the last up to eight
     // read as two overlapping halves, each word mixed in by a multiplication,
@@ -117,29 +127,48 @@ private:
         return size == 0 || std::memcmp(first.data(), second.data(), size) == 0;
     }
 
-    std::size_t mask() const { return slots.size() - 1; }
+    std::size_t mask() const { return slotCount - 1; }
     std::size_t firstSlot(std::uint64_t code) const {
         return static_cast<std::size_t>(code >> shift);
     }
 
+    // Empty slots, `count` of them, in the index or on the heap.
+    void useSlots(std::size_t count) {
+        if (count <= kSlotsInPlace) {
+            slots = slotsInPlace.data();
+            std::fill_n(slots, count, Slot{nullptr, 0, 0, 0});
+        } else {
+            heapSlots.assign(count, Slot{nullptr, 0, 0, 0});
+            slots = heapSlots.data();
+        }
+        slotCount = count;
+    }
+
     // More names than announced: twice the room, every name in its new slot.
     void grow() {
-        std::vector<Slot> old(slots.size() * 2);
-        old.swap(slots);
+        const std::vector<Slot> old(slots, slots + slotCount);
         --shift;
+        std::vector<Slot> larger(slotCount * 2, Slot{nullptr, 0, 0, 0});
+        heapSlots.swap(larger);
+        slots = heapSlots.data();
+        slotCount = heapSlots.size();
         for (const Slot& entry : old) {
-            if (entry.name.data() == nullptr) {
+            if (entry.name == nullptr) {
                 continue;
             }
             std::size_t slot = firstSlot(entry.hash);
-            while (slots[slot].name.data() != nullptr) {
+            while (slots[slot].name != nullptr) {
                 slot = (slot + 1) & mask();
             }
             slots[slot] = entry;
         }
     }
 
-    std::vector<Slot> slots;
+    // Left unset: useSlots empties as many as a table takes.
+    std::array<Slot, kSlotsInPlace> slotsInPlace;
+    std::vector<Slot> heapSlots;
+    Slot* slots = nullptr;
+    std::size_t slotCount = 0;
     // 64 less the bits of a slot number.
     unsigned shift = 61;
     std::size_t added = 0;
