@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kMembersOfFamily = "membersOfFamily";
 constexpr const char* kManualLinkAncestors = "manualLinkAncestors";
 // RapidJSON's own sizes: a pool chunk, and the first size of its parse stack.
-constexpr std::size_t kPoolChunkBytes = 64 * 1024;
+constexpr std::size_t kPoolChunkBytes = std::size_t{64} * 1024;
 constexpr std::size_t kParseStackBytes = 1024;
 
 }  // namespace

@@ -49,6 +49,7 @@ TEST(NameIndex, ANameAddedTwiceKeepsItsFirstPlace) {
 
 TEST(NameIndex, GrowsBeyondTheCountItWasGiven) {
     std::vector<std::string> names;
+    names.reserve(300);
     for (int i = 0; i < 300; ++i) {
         // Long names too, so that more than one word is mixed in.
         names.push_back(i % 2 == 0 ? "attr" + std::to_string(i)
