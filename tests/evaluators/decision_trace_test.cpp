@@ -221,6 +221,31 @@ TEST(DecisionTrace, TransitionRulesAnswerAlikeWhetherObservedOrNot) {
     }
 }
 
+// An object of more attributes than the unobserved road keeps at hand
+// without the heap is judged alike too.
+TEST(DecisionTrace, ManyAttributesAnswerAlikeWhetherObservedOrNot) {
+    TOVEngine engine;
+    engine.evaluate("rules", R"({"transitions": {"Part": [
+        {"attribute": "a7", "fromValue": "v", "toValue": ["v", "w"]},
+        {"attribute": "a37", "fromValue": "v", "toValue": ["v"]}]}})");
+    std::string initial;
+    for (int i = 0; i < 40; ++i) {
+        initial += (i == 0 ? "\"a" : ",\"a") + std::to_string(i) + "\": \"v\"";
+    }
+    for (const char* target : {R"({"a7": "w"})", R"({"a37": "w"})", R"({"a40": "w"})"}) {
+        const std::string edit = R"({"objectType": "Part", "initialAttributes": {)" + initial +
+                                 R"(}, "targetAttributes": )" + target + "}";
+        TOVDecisionTrace trace;
+        EXPECT_EQ(asText(engine.evaluate("edit", edit)),
+                  asText(engine.evaluate("edit", edit, &trace)))
+            << target;
+    }
+    const std::string forbidden = R"({"objectType": "Part", "initialAttributes": {)" + initial +
+                                  R"(}, "targetAttributes": {"a37": "w"}})";
+    EXPECT_EQ(engine.evaluate("edit", forbidden).getGeneralResultComment(),
+              "Transition violation detected: For Part: a37 can transition from \"v\" to \"v\"");
+}
+
 TEST(DecisionTrace, TheFreezeOfTheLastFrozenAttributeIsTheDecisiveOne) {
     TOVEngine engine;
     engine.evaluate("rules", R"({"transitionsFreeze": {"Part": [
