@@ -158,6 +158,8 @@ private:
     // refusal names: the first rule, in store order, that freezes it.
     bool getLastTransitionFreezeRuleViolation(TOVTransitionFreeze& violated);
     bool getFirstTransitionRuleViolation(TOVTransition& violated);
+    // getFirstTransitionRuleViolation when no decision observer listens.
+    bool getFirstTransitionRuleViolationUntold(TOVTransition& violated);
     bool getFirstFileConstraintRuleViolation(TOVFileConstraint& violated);
     bool getFirstConflictResolutionViolation(TOVConflictResolution& violated);
     bool getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated, AttributesMap& offendingEntry,

@@ -83,6 +83,12 @@ public:
                                    const std::vector<std::string>& attributes,
                                    const TOV_DMStructure* structure,
                                    std::vector<const TOVTransition*>& related) const;
+    // The transition rules that getRelatedTransitionRules would consider,
+    // whatever their attribute: for a caller that finds each rule's attribute
+    // in an index of its own, so that no list of names is searched per rule.
+    bool getTransitionRulesOfObjectType(const std::string& objectType,
+                                        const TOV_DMStructure* structure,
+                                        std::vector<const TOVTransition*>& candidates) const;
     bool getRelatedTransitionFreezeRules(const std::string& objectType,
                                          const std::vector<std::string>& attributes,
                                          const TOV_DMStructure* structure,

@@ -27,6 +27,11 @@ public:
     // attribute the target leaves out is judged as staying on its from value.
     bool shouldTransitionBeForbidden(const AttributesMap& initial,
                                      const AttributesMap& target) const;
+    // The same answer for a caller that has looked the rule's attribute up in
+    // both packets already: each value is the one found there, or null when
+    // that packet lacks the attribute.
+    bool shouldTransitionBeForbiddenFrom(const std::string* currentValue,
+                                         const std::string* attemptedValue) const;
     // True when the rule judges an object with the packet `initial` at all:
     // the packet holds the rule's attribute on its from value.
     bool appliesTo(const AttributesMap& initial) const;
@@ -40,6 +45,9 @@ public:
 
 private:
     friend class TOVLifecycleBusinessRules;
+    // The edit controller finds each rule's attribute in its own index of
+    // the initial packet.
+    friend class TOVEditController;
 
     // operator<'s fields folded once: keys in byte order sort as operator< does.
     void appendSortKey(std::string& key) const;

@@ -1,12 +1,15 @@
 #include "tov/TOVEditController.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
 #include "evaluators/TOVTransitionJsonParsers.h"
 #include "evaluators/decision_steps.h"
 #include "evaluators/rule_refusal.h"
+#include "foundation/log_reading.h"
+#include "foundation/name_index.h"
 #include "frame/input_labels.h"
 #include "frame/request_parsing.h"
 #include "tov/TOVConflictResolution.h"
@@ -104,13 +107,24 @@ const std::vector<std::string>& TOVEditController::getAllAttributeNames() {
 
 // --- Input ---
 
+namespace {
+
+// getInputDataLabelIdentifierForTransitionData, built once: the label is
+// longer than a string holds without the heap, and every edit asks twice.
+const std::string& transitionDataLabel() {
+    static const std::string label =
+        TOVEditController::getInputDataLabelIdentifierForTransitionData();
+    return label;
+}
+
+}  // namespace
+
 bool TOVEditController::isInputDataSufficient() {
-    return hasNonEmptyInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
+    return hasNonEmptyInputWithThisLabel(transitionDataLabel());
 }
 
 bool TOVEditController::parseInputData(TOVResponse& response) {
-    const std::string& input =
-        getInputWithThisLabel(getInputDataLabelIdentifierForTransitionData());
+    const std::string& input = getInputWithThisLabel(transitionDataLabel());
 
     TOVTransitionJsonParser parser;
     const bool parsed = parseRequestOrRefuse(parser, input, isInputAJsonFilePath(), response);
@@ -195,6 +209,16 @@ bool TOVEditController::calculateEditsPropertiesUsedForFamilyDetectionCore(
 
 // --- The chain ---
 
+namespace {
+
+// A kind without any rule relates none to an edit: its check needs neither
+// the lookup nor what the lookup is given, such as the list of names.
+bool holdsNoRules(const TOVLifecycleBusinessRules* store, TOVRuleKind kind) {
+    return store->countRules(kind) == 0;
+}
+
+}  // namespace
+
 bool TOVEditController::evaluateRequest(TOVResponse& response) {
     if (foundUninitializedRulesViolation(response)) {
         return false;
@@ -239,6 +263,9 @@ bool TOVEditController::evaluateRequest(TOVResponse& response) {
 }
 
 bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_TransitionFreeze)) {
+        return false;
+    }
     TOVTransitionFreeze violated;
     if (!getLastTransitionFreezeRuleViolation(violated)) {
         return false;
@@ -248,6 +275,9 @@ bool TOVEditController::foundTransitionFreezeRuleViolation(TOVResponse& response
 }
 
 bool TOVEditController::foundTransitionRuleViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_Transition)) {
+        return false;
+    }
     TOVTransition violated;
     if (!getFirstTransitionRuleViolation(violated)) {
         return false;
@@ -257,6 +287,9 @@ bool TOVEditController::foundTransitionRuleViolation(TOVResponse& response) {
 }
 
 bool TOVEditController::foundFileConstraintViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_FileConstraint)) {
+        return false;
+    }
     TOVFileConstraint violated;
     if (!getFirstFileConstraintRuleViolation(violated)) {
         return false;
@@ -266,6 +299,9 @@ bool TOVEditController::foundFileConstraintViolation(TOVResponse& response) {
 }
 
 bool TOVEditController::foundConflictResolutionViolation(TOVResponse& response) {
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_ConflictResolution)) {
+        return false;
+    }
     if (!shouldCheckForConflictResolutionViolations()) {
         return false;
     }
@@ -317,10 +353,13 @@ bool TOVEditController::getLastTransitionFreezeRuleViolation(TOVTransitionFreeze
 }
 
 bool TOVEditController::getFirstTransitionRuleViolation(TOVTransition& violated) {
+    const DecisionSteps steps(getCoreData());
+    if (!steps.observed()) {
+        return getFirstTransitionRuleViolationUntold(violated);
+    }
     std::vector<const TOVTransition*> related;
     getLifecycleBusinessRules()->getRelatedTransitionRules(objectType, getAllAttributeNames(),
                                                            getLifecycleDMInfo(), related);
-    const DecisionSteps steps(getCoreData());
     for (const TOVTransition* rule : related) {
         if (shouldIgnoreTransitionRule(*rule)) {
             steps.tell(rule, TOVRuleOutcome_NotApplicable);
@@ -334,6 +373,57 @@ bool TOVEditController::getFirstTransitionRuleViolation(TOVTransition& violated)
         if (steps.observed()) {
             steps.tell(rule, rule->appliesTo(fromValues) ? TOVRuleOutcome_Approved
                                                          : TOVRuleOutcome_NotApplicable);
+        }
+    }
+    return false;
+}
+
+// The same walk when no observer hears the rules: the rules are taken by
+// object type, and each finds its attribute in one hash of the packets. A rule
+// whose attribute the initial packet lacks is passed over, as it would be
+// either way: the lookup by the object's attribute names leaves it out, or it
+// does not bind. So an object without an initial packet meets no rule at all.
+bool TOVEditController::getFirstTransitionRuleViolationUntold(TOVTransition& violated) {
+    if (fromValues.empty()) {
+        return false;
+    }
+    std::vector<const TOVTransition*> candidates;
+    if (!getLifecycleBusinessRules()->getTransitionRulesOfObjectType(
+            objectType, getLifecycleDMInfo(), candidates)) {
+        return false;
+    }
+    NameIndex names(fromValues.size());
+    // (initial, target) at each place of the index; a usual packet's fit here.
+    using Values = std::pair<const std::string*, const std::string*>;
+    std::array<Values, 32> valuesInPlace;
+    std::vector<Values> valuesOnHeap;
+    Values* values = valuesInPlace.data();
+    if (fromValues.size() > valuesInPlace.size()) {
+        valuesOnHeap.resize(fromValues.size());
+        values = valuesOnHeap.data();
+    }
+    std::size_t added = 0;
+    for (const auto& entry : fromValues) {
+        names.add(entry.first);
+        values[added++] = Values(&entry.second, nullptr);
+    }
+    for (const auto& entry : toValues) {
+        const std::size_t place = names.find(entry.first);
+        if (place != NameIndex::npos) {
+            values[place].second = &entry.second;
+        }
+    }
+    for (const TOVTransition* rule : candidates) {
+        const std::size_t place = names.find(rule->getAttribute());
+        if (place == NameIndex::npos) {
+            continue;
+        }
+        // Whether to ignore the rule is asked only of a rule that forbids:
+        // both questions are pure, and most rules forbid nothing.
+        if (rule->shouldTransitionBeForbiddenFrom(values[place].first, values[place].second) &&
+            !shouldIgnoreTransitionRule(*rule)) {
+            violated = *rule;
+            return true;
         }
     }
     return false;
@@ -498,6 +588,11 @@ bool TOVEditController::foundManualLinkViolation(TOVResponse& response) {
 bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violated,
                                                          AttributesMap& offendingEntry,
                                                          bool& missingData) {
+    // The lookup logs what it looked for, so it is skipped only unheard.
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_HistoryLink) &&
+        !isLogRead(getLifecycleLogger())) {
+        return false;
+    }
     // Looked up by every attribute of the object: a family rule holds whenever
     // the object stands on the rule's value, whether or not this edit put it there.
     std::vector<const TOVHistoryLink*> related;
@@ -514,6 +609,11 @@ bool TOVEditController::getFirstHistoryLinkRuleViolation(TOVHistoryLink& violate
 bool TOVEditController::getFirstManualLinkRuleViolation(TOVManualLink& violated,
                                                         AttributesMap& offendingEntry,
                                                         bool& missingData) {
+    // As for the history links: the lookup logs.
+    if (holdsNoRules(getLifecycleBusinessRules(), TOVRuleKind_ManualLink) &&
+        !isLogRead(getLifecycleLogger())) {
+        return false;
+    }
     // Looked up by the edited attributes only: a manual link rule judges the
     // step onto its value, not an object that already stands there.
     std::vector<const TOVManualLink*> related;

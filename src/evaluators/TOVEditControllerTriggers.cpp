@@ -16,6 +16,10 @@
 #include "tov/string_helpers.h"
 
 bool TOVEditController::checkForTOVTriggeredHandling(TOVResponse& response) {
+    // Without trigger rules nothing can be triggered, and nothing is looked up.
+    if (getLifecycleBusinessRules()->countRules(TOVRuleKind_Trigger) == 0) {
+        return false;
+    }
     // A rule is chosen by its watched attribute changing, whatever the new value.
     std::vector<const TOVTrigger*> rules;
     getLifecycleBusinessRules()->getRelatedTriggerRules(objectType, getAttributesToEdit(),

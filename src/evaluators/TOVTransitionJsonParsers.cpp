@@ -1,5 +1,6 @@
 #include "evaluators/TOVTransitionJsonParsers.h"
 
+#include <cstring>
 #include <utility>
 
 #include "tov/attribute_packets.h"
@@ -11,17 +12,29 @@ namespace {
 // Plain constants: initialised before any call, so concurrent first use is safe.
 constexpr const char* kMembersOfFamily = "membersOfFamily";
 constexpr const char* kManualLinkAncestors = "manualLinkAncestors";
+// RapidJSON's own sizes: a pool chunk, and the first size of its parse stack.
+constexpr std::size_t kPoolChunkBytes = std::size_t{64} * 1024;
+constexpr std::size_t kParseStackBytes = 1024;
 
 }  // namespace
 
 // --- TOVTransitionJsonParser ---
 
-TOVTransitionJsonParser::TOVTransitionJsonParser() = default;
+TOVTransitionJsonParser::TOVTransitionJsonParser()
+    : pool(poolBuffer.data(), kPoolBytes, kPoolChunkBytes, &heap),
+      document(&pool, kParseStackBytes, &heap) {}
 
 TOVTransitionJsonParser::~TOVTransitionJsonParser() = default;
 
 bool TOVTransitionJsonParser::load(const std::string& input, bool inputIsFilePath) {
-    return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+    if (inputIsFilePath) {
+        return fillJsonDocumentFromInput(input, inputIsFilePath, document);
+    }
+    // Most of a parse is copying strings, a character at a time: parsed in
+    // place, a copy of the text in the document's own pool holds them instead.
+    auto* const text = static_cast<char*>(pool.Malloc(input.size() + 1));
+    std::memcpy(text, input.c_str(), input.size() + 1);
+    return fillJsonDocumentFromJsonTextInPlace(text, document);
 }
 
 bool TOVTransitionJsonParser::parseAllSections() {

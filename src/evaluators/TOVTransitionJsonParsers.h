@@ -3,6 +3,8 @@
 #ifndef TOV_EVALUATORS_TOVTRANSITIONJSONPARSERS_H_
 #define TOV_EVALUATORS_TOVTRANSITIONJSONPARSERS_H_
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,6 +20,9 @@ class TOVTransitionJsonParser : public TOVJsonParser {
 public:
     TOVTransitionJsonParser();
     ~TOVTransitionJsonParser() override;
+    // The document allocates from this parser's own buffer, so it stays put.
+    TOVTransitionJsonParser(const TOVTransitionJsonParser&) = delete;
+    TOVTransitionJsonParser& operator=(const TOVTransitionJsonParser&) = delete;
 
     // Loads the document from the path of a file or from JSON text.
     bool load(const std::string& input, bool inputIsFilePath);
@@ -31,6 +36,15 @@ public:
     EditRequest takeRequest() { return std::move(request); }
 
 private:
+    // An edit request's text and tree fit in a few kilobytes. Taking them from
+    // the parser, which lives on the caller's stack, spares a 64 KiB pool chunk
+    // per request, whose release also made the heap merge its small free
+    // blocks, so that every allocation after it took the slow path. A larger
+    // request goes on in heap chunks as before.
+    static constexpr std::size_t kPoolBytes = 8192;
+    alignas(std::max_align_t) std::array<unsigned char, kPoolBytes> poolBuffer;
+    tovjson::ThrowingAllocator heap;
+    tovjson::Allocator pool;
     tovjson::Document document;
     EditRequest request;
 };

@@ -67,7 +67,29 @@ bool getWhichOfKeysHaveDifferentValuesInPackets(const std::vector<std::string>& 
 bool getWhichKeysHaveDifferentValuesInPackets(const AttributesMap& first,
                                               const AttributesMap& second, bool anyAware,
                                               std::vector<std::string>& differing) {
-    const AttributesMap& smaller = first.size() >= second.size() ? second : first;
-    return getWhichOfKeysHaveDifferentValuesInPackets(getKeysOfMap(smaller), first, second,
-                                                      anyAware, differing);
+    // getWhichOfKeysHaveDifferentValuesInPackets over the keys of the smaller
+    // packet, walked in place: the keys are not copied into a list first, and
+    // the smaller packet's own entry needs no lookup.
+    const bool secondIsSmaller = first.size() >= second.size();
+    const AttributesMap& smaller = secondIsSmaller ? second : first;
+    const AttributesMap& larger = secondIsSmaller ? first : second;
+    bool found = false;
+    for (const auto& entry : smaller) {
+        const auto other = larger.find(entry.first);
+        if (other == larger.end()) {
+            continue;
+        }
+        const std::string& firstValue = secondIsSmaller ? other->second : entry.second;
+        const std::string& secondValue = secondIsSmaller ? entry.second : other->second;
+        if (areStringsEqualSimple(firstValue, secondValue)) {
+            continue;
+        }
+        if (anyAware &&
+            (isThisTheReservedAnyValue(firstValue) || isThisTheReservedAnyValue(secondValue))) {
+            continue;
+        }
+        differing.push_back(entry.first);
+        found = true;
+    }
+    return found;
 }

@@ -62,7 +62,9 @@ bool TOVActionController::hasNonEmptyInputWithThisLabel(const std::string& label
 }
 
 bool TOVActionController::isInputAJsonFilePath() {
-    return inputData.count(kLabelInputIsFilepath) != 0;
+    // Built once: the label is longer than a string holds without the heap.
+    static const std::string kFilePathLabel = kLabelInputIsFilepath;
+    return inputData.count(kFilePathLabel) != 0;
 }
 
 bool TOVActionController::foundUninitializedRulesViolation(TOVResponse& response) {

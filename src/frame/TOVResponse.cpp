@@ -51,7 +51,10 @@ void TOVResponse::init() {
 }
 
 void TOVResponse::setGeneralResultComment(const char* comment) {
-    comments[getKeywordOfGeneralResultComment()] = comment == nullptr ? "" : comment;
+    // The keyword is built once rather than for each of the several calls
+    // that every answer makes.
+    static const std::string keyword = getKeywordOfGeneralResultComment();
+    comments[keyword] = comment == nullptr ? "" : comment;
 }
 
 std::string TOVResponse::getGeneralResultComment() const {

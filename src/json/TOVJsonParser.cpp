@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <tuple>
 #include <utility>
 
 #include <rapidjson/istreamwrapper.h>
@@ -59,6 +60,11 @@ bool TOVJsonParser::fillJsonDocumentFromJsonFile(const std::string& path,
 bool TOVJsonParser::fillJsonDocumentFromJsonString(const std::string& text,
                                                    tovjson::Document& document) {
     document.Parse<kTOVParseFlags>(text.c_str());
+    return acceptParsedDocument(document);
+}
+
+bool TOVJsonParser::fillJsonDocumentFromJsonTextInPlace(char* text, tovjson::Document& document) {
+    document.ParseInsitu<kTOVParseFlags>(text);
     return acceptParsedDocument(document);
 }
 
@@ -165,11 +171,16 @@ bool TOVJsonParser::collectKeyValuesPairsFromSection(const tovjson::Value& secti
             return false;
         }
         // Names and values up to their first zero byte, as getStringNamesValuesPair
-        // reads them, built in place. A repeated name keeps its last value.
+        // reads them, built right in the new entry rather than copied into it.
         // Packets are mostly written in key order, so the end is usually where
-        // the next name goes.
-        map.insert_or_assign(map.end(), std::string(member.name.GetString()),
-                             std::string(member.value.GetString()));
+        // the next name goes. A repeated name keeps its last value.
+        const std::size_t entriesBefore = map.size();
+        const auto entry = map.emplace_hint(map.end(), std::piecewise_construct,
+                                            std::forward_as_tuple(member.name.GetString()),
+                                            std::forward_as_tuple(member.value.GetString()));
+        if (map.size() == entriesBefore) {
+            entry->second = member.value.GetString();
+        }
     }
     return true;
 }

@@ -37,6 +37,11 @@ protected:
     // the comment becomes "Json has fundamental parsing error".
     bool fillJsonDocumentFromJsonFile(const std::string& path, tovjson::Document& document);
     bool fillJsonDocumentFromJsonString(const std::string& text, tovjson::Document& document);
+    // The text form on a copy that the parse may overwrite: the document's
+    // strings are left where they stand in `text` instead of being copied out
+    // of it, so `text` must outlive the document. Like the text given to the
+    // text form, it ends at its first zero byte.
+    bool fillJsonDocumentFromJsonTextInPlace(char* text, tovjson::Document& document);
     // The file form when the input is a path, the text form otherwise.
     bool fillJsonDocumentFromInput(const std::string& input, bool inputIsFilePath,
                                    tovjson::Document& document);

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include "foundation/log_reading.h"
+#include "foundation/name_index.h"
 #include "rules/rule_kinds.h"
 #include "rules/rule_list.h"
 #include "tov/TOVConflictResolution.h"
@@ -27,6 +29,32 @@ namespace {
 bool listHoldsAttribute(const std::vector<std::string>& attributes, const std::string& name) {
     return std::find(attributes.begin(), attributes.end(), name) != attributes.end();
 }
+
+// listHoldsAttribute asked once per candidate rule: a long list is hashed on
+// the first question, so that each rule costs one probe instead of a scan.
+class AttributeNames {
+public:
+    explicit AttributeNames(const std::vector<std::string>& attributes) : attributes(attributes) {}
+
+    bool hold(const std::string& name) {
+        // Up to here a scan is as cheap as hashing the names.
+        constexpr std::size_t kLongestScanned = 4;
+        if (attributes.size() <= kLongestScanned) {
+            return listHoldsAttribute(attributes, name);
+        }
+        if (!index) {
+            index.emplace(attributes.size());
+            for (const std::string& attribute : attributes) {
+                index->add(attribute);
+            }
+        }
+        return index->find(name) != NameIndex::npos;
+    }
+
+private:
+    const std::vector<std::string>& attributes;
+    std::optional<NameIndex> index;
+};
 
 // The value a link rule is judged on: the target's, else the initial one's.
 std::string candidateValue(const std::string& attribute, const AttributesMap& fromValues,
@@ -93,8 +121,9 @@ struct TOVLifecycleBusinessRules::Lists {
     template <typename Rule>
     bool selectRelated(const std::string& objectType, const std::vector<std::string>& attributes,
                        const TOV_DMStructure* structure, std::vector<const Rule*>& related) const {
-        return of<Rule>().select(objectType, structure, related, [&attributes](const Rule& rule) {
-            return listHoldsAttribute(attributes, rule.getAttribute());
+        AttributeNames names(attributes);
+        return of<Rule>().select(objectType, structure, related, [&names](const Rule& rule) {
+            return names.hold(rule.getAttribute());
         });
     }
 
@@ -104,8 +133,9 @@ struct TOVLifecycleBusinessRules::Lists {
                             const AttributesMap& fromValues, const AttributesMap& toValues,
                             const TOV_DMStructure* structure,
                             std::vector<const Rule*>& related) const {
+        AttributeNames names(attributes);
         return of<Rule>().select(objectType, structure, related, [&](const Rule& rule) {
-            return listHoldsAttribute(attributes, rule.getAttribute()) &&
+            return names.hold(rule.getAttribute()) &&
                    areStringsEqualAccountingAlsoAnyValue(
                        candidateValue(rule.getAttribute(), fromValues, toValues),
                        rule.getToValue());
@@ -251,6 +281,13 @@ bool TOVLifecycleBusinessRules::getRelatedTransitionRules(
     const std::string& objectType, const std::vector<std::string>& attributes,
     const TOV_DMStructure* structure, std::vector<const TOVTransition*>& related) const {
     return lists->selectRelated(objectType, attributes, structure, related);
+}
+
+bool TOVLifecycleBusinessRules::getTransitionRulesOfObjectType(
+    const std::string& objectType, const TOV_DMStructure* structure,
+    std::vector<const TOVTransition*>& candidates) const {
+    return lists->of<TOVTransition>().select(objectType, structure, candidates,
+                                             [](const TOVTransition&) { return true; });
 }
 
 bool TOVLifecycleBusinessRules::getRelatedTransitionFreezeRules(

@@ -8,6 +8,24 @@
 #include "tov/TOV_DMStructure.h"
 #include "tov/string_helpers.h"
 
+namespace {
+
+// Exact equality of two values, byte by byte in line: values are mostly a
+// few bytes long, for which a call to memcmp cost more than the comparing.
+bool sameBytes(const std::string& first, const std::string& second) {
+    if (first.size() != second.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        if (first[i] != second[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
 TOVTransition::TOVTransition() = default;
 
 TOVTransition::TOVTransition(const std::string& objectType, const std::string& attribute,
@@ -32,6 +50,19 @@ bool TOVTransition::shouldTransitionBeForbidden(const AttributesMap& initial,
     const auto attempted = target.find(attribute);
     return shouldAttemptedToValueBeForbidden(attempted == target.end() ? currentValue
                                                                        : attempted->second);
+}
+
+bool TOVTransition::shouldTransitionBeForbiddenFrom(const std::string* currentValue,
+                                                    const std::string* attemptedValue) const {
+    // isPackageFromValueBoundByThisRule, on the value the caller found. Equal
+    // bytes are equal values too, and the usual case, so they are tried first.
+    if (currentValue == nullptr ||
+        (!sameBytes(*currentValue, fromValue) &&
+         !areStringsEqualAccountingAlsoAnyValue(*currentValue, fromValue))) {
+        return false;
+    }
+    return shouldAttemptedToValueBeForbidden(attemptedValue == nullptr ? *currentValue
+                                                                       : *attemptedValue);
 }
 
 bool TOVTransition::appliesTo(const AttributesMap& initial) const {
@@ -84,7 +115,9 @@ bool TOVTransition::isPackageFromValueBoundByThisRule(const AttributesMap& packe
 // The target side is strict: exact bytes, and only the rule's own "<any>" in
 // its exact form opens every value.
 bool TOVTransition::shouldAttemptedToValueBeForbidden(const std::string& attemptedValue) const {
-    if (std::find(toValues.begin(), toValues.end(), attemptedValue) != toValues.end()) {
+    if (std::any_of(toValues.begin(), toValues.end(), [&attemptedValue](const std::string& value) {
+            return sameBytes(value, attemptedValue);
+        })) {
         return false;
     }
     if (toValues.empty()) {

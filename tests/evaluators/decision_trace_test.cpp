@@ -186,6 +186,66 @@ TEST_F(DecisionTraceTest, ObservingChangesNoAnswerAndNoLogLine) {
     }
 }
 
+// Transition rules are judged by another road when nobody listens; both
+// roads give the same answers.
+TEST(DecisionTrace, TransitionRulesAnswerAlikeWhetherObservedOrNot) {
+    TOVEngine engine;
+    engine.evaluate("rules", R"({"transitions": {
+        "Part": [{"attribute": "Status", "fromValue": "Draft", "toValue": ["Review"]},
+                 {"attribute": "Owner", "fromValue": "<any>", "toValue": ["<any>"]},
+                 {"attribute": "Lock", "fromValue": "no", "toValue": ["no"]}],
+        "ALL": [{"attribute": "Status", "fromValue": "<any>", "toValue": ["Draft", "Review"]},
+                {"attribute": "Missing", "fromValue": "<any>", "toValue": ["x"]}],
+        "Doc": [{"attribute": "Status", "fromValue": "Draft", "toValue": ["Draft"]}]}})");
+    const std::vector<std::string> edits = {
+        R"({"objectType": "Part", "initialAttributes": {"Status": "Draft", "Lock": "no"},
+            "targetAttributes": {"Status": "Review"}})",
+        R"({"objectType": "Part", "initialAttributes": {"Status": "Draft", "Lock": "no"},
+            "targetAttributes": {"Status": "Obsolete"}})",
+        R"({"objectType": "part", "initialAttributes": {"Status": "draft", "Lock": "yes"},
+            "targetAttributes": {"Lock": "no"}})",
+        R"({"objectType": "Doc", "initialAttributes": {"Status": "Draft"},
+            "targetAttributes": {"Status": "Review"}})",
+        R"({"objectType": "Part", "initialAttributes": {},
+            "targetAttributes": {"Status": "Obsolete", "Missing": "y"}})",
+        R"({"objectType": "Other", "initialAttributes": {"Status": "<any>", "Missing": "z"},
+            "targetAttributes": {"Missing": "y"}})",
+        R"({"objectType": "<any>", "initialAttributes": {"Status": "Draft"},
+            "targetAttributes": {"Status": "Obsolete"}})",
+    };
+    for (const std::string& edit : edits) {
+        TOVDecisionTrace trace;
+        EXPECT_EQ(asText(engine.evaluate("edit", edit)),
+                  asText(engine.evaluate("edit", edit, &trace)))
+            << edit;
+    }
+}
+
+// An object of more attributes than the unobserved road keeps at hand
+// without the heap is judged alike too.
+TEST(DecisionTrace, ManyAttributesAnswerAlikeWhetherObservedOrNot) {
+    TOVEngine engine;
+    engine.evaluate("rules", R"({"transitions": {"Part": [
+        {"attribute": "a7", "fromValue": "v", "toValue": ["v", "w"]},
+        {"attribute": "a37", "fromValue": "v", "toValue": ["v"]}]}})");
+    std::string initial;
+    for (int i = 0; i < 40; ++i) {
+        initial += (i == 0 ? "\"a" : ",\"a") + std::to_string(i) + "\": \"v\"";
+    }
+    for (const char* target : {R"({"a7": "w"})", R"({"a37": "w"})", R"({"a40": "w"})"}) {
+        const std::string edit = R"({"objectType": "Part", "initialAttributes": {)" + initial +
+                                 R"(}, "targetAttributes": )" + target + "}";
+        TOVDecisionTrace trace;
+        EXPECT_EQ(asText(engine.evaluate("edit", edit)),
+                  asText(engine.evaluate("edit", edit, &trace)))
+            << target;
+    }
+    const std::string forbidden = R"({"objectType": "Part", "initialAttributes": {)" + initial +
+                                  R"(}, "targetAttributes": {"a37": "w"}})";
+    EXPECT_EQ(engine.evaluate("edit", forbidden).getGeneralResultComment(),
+              "Transition violation detected: For Part: a37 can transition from \"v\" to \"v\"");
+}
+
 TEST(DecisionTrace, TheFreezeOfTheLastFrozenAttributeIsTheDecisiveOne) {
     TOVEngine engine;
     engine.evaluate("rules", R"({"transitionsFreeze": {"Part": [

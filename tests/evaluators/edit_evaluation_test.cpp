@@ -95,6 +95,24 @@ protected:
 
 // --- Nothing loaded, or nothing that can be used ---------------------------
 
+// A store without link rules still logs both link lookups, with nothing found,
+// when the log is read.
+TEST_F(EditEvaluation, LinkLookupsAreLoggedEvenWithoutLinkRules) {
+    loadRulesAndDataModel(kTransitionOnStatus);
+    const std::string printed =
+        tovtest::captureConsole(core.logger(), [&] { edit(kReleaseRequest); });
+    EXPECT_NE(printed.find("*******HISTORY RULES LOOKUP********\nPart edits "
+                           "[Number,Revision,Status].All target values={Status:Released, "
+                           "_file_upload_:false}..... I found 0 related rules.\n"),
+              std::string::npos)
+        << printed;
+    EXPECT_NE(printed.find("*******MANUAL RULES LOOKUP********\nPart edits [Status].All target "
+                           "values={Status:Released, _file_upload_:false}..... I found 0 "
+                           "related rules.\n"),
+              std::string::npos)
+        << printed;
+}
+
 TEST_F(EditEvaluation, WithoutAnyRulesLoadedEveryFlavourIsRefused) {
     loadDataModel();
     for (const Flavour& flavour :

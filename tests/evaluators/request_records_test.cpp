@@ -36,6 +36,41 @@ TEST(EditRequestRecord, HoldsEverySectionOfTheRequest) {
     EXPECT_EQ(request.manualLinkAncestors, Packets{});
 }
 
+// The text is parsed from a copy of its own, in place: escapes are decoded,
+// a zero byte ends a name or a value and the text itself, and the strings
+// outlive the parse however large the request is.
+TEST(EditRequestRecord, ATextParsedInPlaceReadsAsItsCharactersSay) {
+    TOVTransitionJsonParser parser;
+    const std::string text =
+        R"({"objectType":"P\u0061rt","initialAttributes":{"A\"b":"x\\y","Cut":"ab\u0000cd"},)"
+        R"("targetAttributes":{"A\"b":"\u00e9"}})";
+    ASSERT_TRUE(parse(parser, text)) << parser.getParsingErrorComment();
+    EXPECT_EQ(parser.getRequest().objectType, "Part");
+    EXPECT_EQ(parser.getRequest().initialAttributes,
+              (AttributesMap{{"A\"b", "x\\y"}, {"Cut", "ab"}}));
+    EXPECT_EQ(parser.getRequest().targetAttributes, (AttributesMap{{"A\"b", "\xC3\xA9"}}));
+
+    TOVTransitionJsonParser cutShort;
+    EXPECT_TRUE(parse(cutShort, text + std::string(1, '\0') + "garbage"));
+    EXPECT_EQ(cutShort.getRequest().objectType, "Part");
+
+    TOVTransitionJsonParser large;
+    std::string attributes;
+    AttributesMap expected;
+    for (int i = 0; i < 500; ++i) {
+        const std::string name = "attribute number " + std::to_string(i);
+        attributes += (i == 0 ? "\"" : ",\"") + name + "\":\"value " + std::to_string(i) + "\"";
+        expected[name] = "value " + std::to_string(i);
+    }
+    ASSERT_TRUE(parse(large, R"({"objectType":"Part","initialAttributes":{)" + attributes +
+                                 R"(},"targetAttributes":{}})"));
+    EXPECT_EQ(large.getRequest().initialAttributes, expected);
+
+    TOVTransitionJsonParser broken;
+    EXPECT_FALSE(parse(broken, text + "x"));
+    EXPECT_EQ(broken.getParsingErrorComment(), "Json has fundamental parsing error");
+}
+
 TEST(EditRequestRecord, LeftOutLinkSectionsAreNoLists) {
     TOVTransitionJsonParser parser;
     ASSERT_TRUE(parse(parser, R"({"objectType":"","initialAttributes":{},"targetAttributes":{},

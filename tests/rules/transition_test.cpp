@@ -66,6 +66,37 @@ TEST(TransitionRule, InitialPacketWithoutTheAttributeIsNeverForbidden) {
     EXPECT_FALSE(statusRule("<any>", {"Review"}).shouldTransitionBeForbidden(initial, target));
 }
 
+// The form for values looked up by the caller answers as the packets do,
+// for every combination of a present, absent, wildcard or case-changed value.
+TEST(TransitionRule, ValuesLookedUpAnswerAsThePacketsDo) {
+    const std::vector<TOVTransition> rules = {
+        statusRule("Draft", {"Review"}), statusRule("<any>", {"Review"}),
+        statusRule("Draft", {"<any>"}),  statusRule("Draft", {"Draft"}),
+        statusRule("draft", {"<ANY>"}),  statusRule("Draft", {}),
+    };
+    const std::vector<std::string> values = {"Draft", "draft", "Review", "review", "<any>", ""};
+    const auto valueOf = [](const AttributesMap& packet) -> const std::string* {
+        const auto found = packet.find("Status");
+        return found == packet.end() ? nullptr : &found->second;
+    };
+    std::vector<AttributesMap> packets = {{}, {{"Owner", "Draft"}}};
+    for (const std::string& value : values) {
+        packets.push_back({{"Status", value}});
+    }
+    for (const TOVTransition& rule : rules) {
+        for (const AttributesMap& initial : packets) {
+            for (const AttributesMap& target : packets) {
+                std::string words;
+                rule.expressRuleInWords(words);
+                EXPECT_EQ(rule.shouldTransitionBeForbiddenFrom(valueOf(initial), valueOf(target)),
+                          rule.shouldTransitionBeForbidden(initial, target))
+                    << words << " from " << (valueOf(initial) ? *valueOf(initial) : "(none)")
+                    << " to " << (valueOf(target) ? *valueOf(target) : "(none)");
+            }
+        }
+    }
+}
+
 TEST(TransitionRule, AnyFromValueBindsAnEmptyPacketValue) {
     const TOVTransition rule = statusRule("<any>", {"Review"});
     const AttributesMap initial{{"Status", ""}};
