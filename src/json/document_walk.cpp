@@ -29,7 +29,7 @@ ValueReader& DocumentWalker::valueReader() {
     std::abort();
 }
 
-void DocumentWalker::read() {}
+void DocumentWalker::readEnded() {}
 
 ValueReader::~ValueReader() = default;
 
@@ -204,7 +204,7 @@ private:
                 handOverWhenDone();
             } else if (step == Step::kRead) {
                 tell(walker.valueReader());
-                walker.read();
+                walker.readEnded();
             }
         }
         return true;
@@ -247,7 +247,7 @@ private:
             reader->close();
             if (--skipped == 0) {
                 mode = Mode::kWalk;
-                walker.read();
+                walker.readEnded();
             }
         } else if (mode == Mode::kCapture) {
             capture.close();

@@ -74,7 +74,7 @@ public:
     // For a value asked for with kRead: the reader of its events, asked once
     // as the value begins, and the call once its last event has gone there.
     virtual ValueReader& valueReader();
-    virtual void read();
+    virtual void readEnded();
 
 private:
     unsigned keptDepth;

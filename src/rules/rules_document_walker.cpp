@@ -95,6 +95,6 @@ tovjson::ValueReader& RulesDocumentWalker::valueReader() {
     return *section->ruleEvents();
 }
 
-void RulesDocumentWalker::read() {
+void RulesDocumentWalker::readEnded() {
     sectionFailed = !section->ruleEvents()->finish(objectType, store);
 }

@@ -29,7 +29,7 @@ public:
     void leave() override;
     void captured(tovjson::Value& value) override;
     tovjson::ValueReader& valueReader() override;
-    void read() override;
+    void readEnded() override;
 
 private:
     enum class Level {

@@ -32,7 +32,7 @@ public:
 };
 
 // Reads every member of the root by its events, each into the log after
-// the member's name, and calls `read` once per member.
+// the member's name, and calls `readEnded` once per member.
 class ReadingWalker : public tovjson::DocumentWalker {
 public:
     ReadingWalker() : tovjson::DocumentWalker(2) {}
@@ -50,7 +50,7 @@ public:
     void leave() override {}
     void captured(tovjson::Value& /*value*/) override { ADD_FAILURE() << "nothing is captured"; }
     tovjson::ValueReader& valueReader() override { return events; }
-    void read() override {
+    void readEnded() override {
         events.log += "|";
         ++reads;
     }
