@@ -2,7 +2,8 @@
 # packages (as root), configure, build, and run: the demo runs the example
 # scenario through the tov program and, when Graphviz is installed, draws the
 # lifecycle of a Part's Status as SVG; the test target runs the whole suite.
-# `make tsan` runs the thread test under ThreadSanitizer; `make fuzz` runs
+# `make tsan` runs the thread tests and tov batch's workers under
+# ThreadSanitizer; `make fuzz` runs
 # every fuzz target for FUZZ_SECONDS.
 # `make bench` runs the benchmark with the ratios that tell how costs scale,
 # then `make bench-serve`: tov serve over HTTP against nginx's floor.
