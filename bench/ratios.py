@@ -3,7 +3,8 @@
 library's costs scale, each beside its goal.
 
 Every ratio divides two CPU-time medians of one run of tov_bench, so the
-speed of the machine cancels out; the memory ratio is the growth of the peak
+speed of the machine cancels out, with malloc's thresholds fixed so that no
+benchmark's cost depends on those before it; the memory ratio is the growth of the peak
 resident set while 100,000 rules load, from text and from a file, over the
 document's size. Without --quick the memory is measured again with 1,000,000
 rules, and told without a goal.
@@ -165,6 +166,22 @@ def format_report(times, memory, rows, large_memory=None, batch=None):
     return "\n".join(lines)
 
 
+# glibc's malloc moves its mmap threshold up after a large block is freed, and
+# gives memory back to the system above a trim threshold: so whether a large
+# allocation faults in fresh pages depends on what ran before it in the
+# process, and the same benchmark costs a third more or less by its place in
+# the run (RapidJSON's parse of the large document faulted its pages in every
+# time when it came first, and never after an edit at 100,000 rules). Fixed
+# thresholds make every benchmark cost the same wherever it runs: the
+# measures are the work itself, without the kernel's page faults.
+PINNED_MALLOC = "glibc.malloc.mmap_threshold=33554432:glibc.malloc.trim_threshold=1073741824"
+
+
+def pinned_malloc_environment():
+    """The environment with malloc's thresholds fixed, for a timed program."""
+    return dict(os.environ, GLIBC_TUNABLES=PINNED_MALLOC)
+
+
 def run_benchmark(program, repetitions, min_time, only=None):
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, "tov_bench.json")
@@ -175,7 +192,7 @@ def run_benchmark(program, repetitions, min_time, only=None):
         if repetitions > 1:
             command += ["--benchmark_repetitions=%d" % repetitions,
                         "--benchmark_report_aggregates_only=true"]
-        subprocess.run(command, check=True, stdout=sys.stderr)
+        subprocess.run(command, check=True, stdout=sys.stderr, env=pinned_malloc_environment())
         with open(out, encoding="utf-8") as report:
             return json.load(report)
 

@@ -75,6 +75,16 @@ class MedianCpuTimesTest(unittest.TestCase):
             ratios.median_cpu_times(report)
 
 
+class PinnedMallocTest(unittest.TestCase):
+    def test_fixes_both_thresholds_and_keeps_the_rest(self):
+        with mock.patch.dict(os.environ, {"KEPT": "yes"}):
+            environment = ratios.pinned_malloc_environment()
+        self.assertEqual(environment["KEPT"], "yes")
+        self.assertEqual(environment["GLIBC_TUNABLES"],
+                         "glibc.malloc.mmap_threshold=33554432:"
+                         "glibc.malloc.trim_threshold=1073741824")
+
+
 class MemoryRatiosTest(unittest.TestCase):
     def test_reads_both_forms(self):
         self.assertEqual(ratios.memory_ratios(MEMORY_OUTPUT),
