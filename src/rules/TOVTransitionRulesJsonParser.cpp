@@ -1,5 +1,7 @@
 #include "rules/TOVTransitionRulesJsonParser.h"
 
+#include <cstring>
+#include <string>
 #include <utility>
 
 #include "tov/TOVLifecycleBusinessRules.h"
@@ -18,14 +20,17 @@ using rulekinds::kToValue;
 // line, they cost less than the calls into the C library that did it for
 // each of the hundreds of thousands of members in a large document.
 
-bool isNamed(const char* name, std::size_t length, const char* keyword) {
-    std::size_t i = 0;
-    for (; i < length; ++i) {
-        if (keyword[i] != name[i] || keyword[i] == '\0') {
-            return false;
-        }
-    }
-    return keyword[i] == '\0';
+// A keyword with its length known when compiling, so that a comparison with
+// it is a length test and a compare of a known size.
+struct Keyword {
+    constexpr explicit Keyword(const char* text)
+        : text(text), length(std::char_traits<char>::length(text)) {}
+    const char* text;
+    std::size_t length;
+};
+
+bool isNamed(const char* name, std::size_t length, const Keyword& keyword) {
+    return length == keyword.length && std::memcmp(name, keyword.text, keyword.length) == 0;
 }
 
 // A value is read up to its first zero byte, as a C string would be.
@@ -87,16 +92,21 @@ void TOVTransitionRulesJsonParser::RuleEvents::key(const char* name, std::size_t
     }
     // Names are compared where they lie: a rule is read for every one of a
     // large document, and the name is needed as text only for a fault.
+    static constexpr Keyword attributeName(kAttribute);
+    static constexpr Keyword fromValueName(kFromValue);
+    static constexpr Keyword toValueName(kToValue);
+    static constexpr Keyword allowJumpsName(kAllowJumps);
+    static constexpr Keyword allowReverseName(kAllowReverse);
     member = Member::kOther;
-    if (isNamed(name, length, kAttribute)) {
+    if (isNamed(name, length, attributeName)) {
         member = Member::kAttribute;
-    } else if (isNamed(name, length, kFromValue)) {
+    } else if (isNamed(name, length, fromValueName)) {
         member = Member::kFromValue;
-    } else if (isNamed(name, length, kToValue)) {
+    } else if (isNamed(name, length, toValueName)) {
         member = Member::kToValue;
-    } else if (isNamed(name, length, kAllowJumps)) {
+    } else if (isNamed(name, length, allowJumpsName)) {
         parser.notice("We do not support the allowJumps keyword in the Transition Rule.\n");
-    } else if (isNamed(name, length, kAllowReverse)) {
+    } else if (isNamed(name, length, allowReverseName)) {
         parser.notice("We do not support the allowReverse keyword in the Transition Rule.");
     }
 }
