@@ -10,6 +10,7 @@
 #include <deque>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <limits>
 #include <map>
@@ -54,6 +55,47 @@ struct Line {
     std::size_t index;  // from 0, in input order
     std::string text;
     std::size_t bytes;  // as read, line end included
+};
+
+// Answers on their way to the answer stream, gathered into large writes: a
+// write of each answer by itself would cost more than the rest of its framing.
+class AnswerWriter {
+public:
+    explicit AnswerWriter(std::FILE* stream) : stream(stream) { pending.reserve(kBlock); }
+    AnswerWriter(const AnswerWriter&) = delete;
+    AnswerWriter& operator=(const AnswerWriter&) = delete;
+    // The answers given before an exception stand, as the lines they answer
+    // were read to the end.
+    ~AnswerWriter() { writeOut(); }
+
+    void add(const std::string& answer) {
+        // Room first, so that running out of memory leaves no half answer.
+        pending.reserve(pending.size() + answer.size() + 1);
+        pending += answer;
+        pending += '\n';
+        if (pending.size() >= kBlock) {
+            writeOut();
+        }
+    }
+
+    // Makes the answers given so far reach their reader now.
+    void flush() {
+        writeOut();
+        std::fflush(stream);
+    }
+
+private:
+    static constexpr std::size_t kBlock = 65536;
+
+    void writeOut() {
+        if (!pending.empty()) {
+            std::fwrite(pending.data(), 1, pending.size(), stream);
+            pending.clear();
+        }
+    }
+
+    std::FILE* const stream;
+    std::string pending;
 };
 
 // Hands lines to the workers and writes their answers in input order: whoever
@@ -147,8 +189,7 @@ public:
         bool wrote = false;
         for (auto next = ready.find(nextToWrite); next != ready.end();
              next = ready.find(nextToWrite)) {
-            std::fwrite(next->second.text.data(), 1, next->second.text.size(), answers);
-            std::fputc('\n', answers);
+            answers.add(next->second.text);
             if (progress != nullptr) {
                 progress->advance(next->second.bytes);
             }
@@ -160,7 +201,7 @@ public:
             // Flushed whenever all that was read is answered, so that answers
             // to lines typed or piped slowly come out at once.
             if (nextToWrite == pushed) {
-                std::fflush(answers);
+                answers.flush();
             }
             if (readerWaiting && hasRoomForHalfAWindow()) {
                 roomAvailable.notify_all();
@@ -171,6 +212,12 @@ public:
     std::size_t malformedLines() {
         std::lock_guard<std::mutex> lock(mutex);
         return malformed;
+    }
+
+    // After the workers are joined: every answer written to the answer stream.
+    void finishWriting() {
+        std::lock_guard<std::mutex> lock(mutex);
+        answers.flush();
     }
 
 private:
@@ -184,7 +231,7 @@ private:
     bool hasRoomForHalfAWindow() const { return pushed + window / 2 < nextToWrite + window; }
 
     const std::size_t window;
-    std::FILE* const answers = answerStream();
+    AnswerWriter answers{answerStream()};
     ProgressBar* progress = nullptr;
 
     std::mutex mutex;
@@ -269,10 +316,14 @@ private:
 // descriptor into a buffer of its own and cuts lines with memchr, which costs
 // a small part of taking the input a byte at a time through stdio; a read
 // returns what has come, so lines typed or piped slowly are answered at once.
+// `beforeRead`, when set, runs before each read, which may wait for input.
 class LineReader {
 public:
-    LineReader(std::FILE* input, std::uint64_t maxLength)
-        : descriptor(::fileno(input)), maxLength(maxLength), buffer(kBufferSize) {}
+    LineReader(std::FILE* input, std::uint64_t maxLength, std::function<void()> beforeRead = {})
+        : descriptor(::fileno(input)),
+          maxLength(maxLength),
+          buffer(kBufferSize),
+          beforeRead(std::move(beforeRead)) {}
 
     enum Outcome { kLine, kEnd, kTooLong, kReadError };
 
@@ -319,6 +370,9 @@ private:
     static constexpr std::size_t kBufferSize = 65536;
 
     ssize_t readSome() {
+        if (beforeRead) {
+            beforeRead();
+        }
         while (true) {
             const ssize_t got = ::read(descriptor, buffer.data(), buffer.size());
             if (got >= 0 || errno != EINTR) {
@@ -330,15 +384,20 @@ private:
     int descriptor;  // read by this thread alone
     std::uint64_t maxLength;
     std::vector<char> buffer;
+    std::function<void()> beforeRead;
     std::size_t begin = 0;  // of what is read and not yet taken
     std::size_t end = 0;
     bool atEnd = false;
 };
 
-// Feeds every line to the pipeline. Empty when the input was read to its end,
-// otherwise the message that tells why reading stopped.
-std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipeline& pipeline) {
-    LineReader reader(input, options.documents.maxInputSize);
+// Reads every line and hands it to `take(text, bytes, index)`, which may keep
+// the text (by moving it) and returns false to stop the reading. Empty when
+// the input was read to its end or `take` stopped it, otherwise the message
+// that tells why reading stopped.
+template <typename TakeLine>
+std::string readLines(std::FILE* input, const BatchOptions& options,
+                      std::function<void()> beforeRead, TakeLine take) {
+    LineReader reader(input, options.documents.maxInputSize, std::move(beforeRead));
     std::string text;
     std::size_t bytes = 0;
     std::size_t index = 0;
@@ -355,10 +414,71 @@ std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipe
                    tooLarge(options.requestsPath, "requests", options.documents.maxInputSize);
         }
         trimBatchLine(text, index == 0);
-        if (!pipeline.push({index++, std::move(text), bytes})) {
-            return {};  // the work was given up; the failure tells why
+        if (!take(text, bytes, index++)) {
+            return {};
         }
     }
+}
+
+// Feeds every line to the pipeline; the message of readLines.
+std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipeline& pipeline) {
+    return readLines(input, options, {},
+                     [&pipeline](std::string& text, std::size_t bytes, std::size_t index) {
+                         // False once the work was given up; the failure tells why.
+                         return pipeline.push({index, std::move(text), bytes});
+                     });
+}
+
+// With one job the reading thread answers each line as soon as it is read:
+// the same answers in the same order as through the pipeline, without
+// handing lines to a worker and waking it. The answers are flushed before
+// each read, which may wait, so that lines typed or piped slowly are answered
+// at once. The message of readLines.
+std::string answerInTurn(std::FILE* input, const BatchOptions& options,
+                         TOVCoreDataControllers* loaded, ProgressBar* progress,
+                         std::size_t& malformed) {
+    TOVCoreDataControllers core;
+    core.borrowData(loaded);
+    const RequestJudge judge = judgeWithCoreData(&core);
+    AnswerWriter answers(answerStream());
+    return readLines(
+        input, options, [&answers] { answers.flush(); },
+        [&](const std::string& text, std::size_t bytes, std::size_t index) {
+            const BatchAnswer answer = answerBatchLine(text, index + 1, judge, options.format);
+            if (!answer.wasRequest) {
+                ++malformed;
+            }
+            answers.add(answer.text);
+            if (progress != nullptr) {
+                progress->advance(bytes);
+            }
+            return true;
+        });
+}
+
+// With more jobs the reading thread feeds the pipeline's workers. The
+// message of readLines.
+std::string answerByWorkers(std::FILE* input, const BatchOptions& options,
+                            TOVCoreDataControllers* loaded, ProgressBar* progress,
+                            std::size_t& malformed) {
+    OrderedPipeline pipeline(kLinesInFlightPerJob * options.jobs);
+    if (progress != nullptr) {
+        pipeline.showProgressOn(progress);
+    }
+    std::string readError;
+    {
+        Workers workers(pipeline);
+        for (unsigned i = 0; i < options.jobs; ++i) {
+            workers.start(loaded, options.format);
+        }
+        readError = feedLines(input, options, pipeline);
+        pipeline.close();
+        workers.joinAll();
+    }
+    pipeline.rethrowFailure();
+    pipeline.finishWriting();
+    malformed = pipeline.malformedLines();
+    return readError;
 }
 
 int runBatch(const BatchOptions& options) {
@@ -386,28 +506,19 @@ int runBatch(const BatchOptions& options) {
     }
 
     const unsigned jobs = options.jobs;
-    OrderedPipeline pipeline(kLinesInFlightPerJob * jobs);
     std::optional<ProgressBar> progress;
     std::error_code sizeError;
     const std::uintmax_t size =
         fromFile ? std::filesystem::file_size(options.requestsPath, sizeError) : 0;
     if (fromFile && !sizeError && ::isatty(STDERR_FILENO) == 1) {
         progress.emplace(size);
-        pipeline.showProgressOn(&*progress);
     }
-    std::string readError;
-    {
-        Workers workers(pipeline);
-        for (unsigned i = 0; i < jobs; ++i) {
-            workers.start(core.get(), options.format);
-        }
-        readError = feedLines(input, options, pipeline);
-        pipeline.close();
-        workers.joinAll();
-    }
-    pipeline.rethrowFailure();
+    ProgressBar* const bar = progress ? &*progress : nullptr;
+    std::size_t malformed = 0;
+    const std::string readError = jobs == 1
+                                      ? answerInTurn(input, options, core.get(), bar, malformed)
+                                      : answerByWorkers(input, options, core.get(), bar, malformed);
     std::fflush(answerStream());
-    const std::size_t malformed = pipeline.malformedLines();
     if (progress) {
         progress->finish(jobs, malformed);
     }
