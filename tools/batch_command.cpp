@@ -34,12 +34,12 @@ namespace tovcli {
 
 namespace {
 
-// Lines that may be read ahead of the last answer written, per worker: enough
-// to keep every worker busy while bounding memory on a large input.
-constexpr std::size_t kLinesInFlightPerJob = 64;
-// Lines a worker takes from the queue at most at a time: few enough that
-// the workers share a short input, enough to spare most meetings at the lock.
-constexpr std::size_t kLinesPerTake = 8;
+// Lines a worker takes at a time, as one chunk: few enough that the workers
+// share a short input, enough to spare most meetings at the lock.
+constexpr std::size_t kLinesPerChunk = 16;
+// Chunks that may be read ahead of the last answer written, per worker:
+// enough to keep every worker busy while bounding memory on a large input.
+constexpr std::size_t kChunksInFlightPerJob = 4;
 
 struct BatchOptions : DocumentCommandOptions {
     std::string requestsPath;  // empty or "-": standard input
@@ -50,12 +50,6 @@ unsigned defaultJobs() {
     const unsigned threads = std::thread::hardware_concurrency();
     return threads == 0 ? 1 : threads;
 }
-
-struct Line {
-    std::size_t index;  // from 0, in input order
-    std::string text;
-    std::size_t bytes;  // as read, line end included
-};
 
 // Answers on their way to the answer stream, gathered into large writes: a
 // write of each answer by itself would cost more than the rest of its framing.
@@ -68,13 +62,25 @@ public:
     // were read to the end.
     ~AnswerWriter() { writeOut(); }
 
-    void add(const std::string& answer) {
+    void addLine(const std::string& answer) {
         // Room first, so that running out of memory leaves no half answer.
         pending.reserve(pending.size() + answer.size() + 1);
         pending += answer;
         pending += '\n';
         if (pending.size() >= kBlock) {
             writeOut();
+        }
+    }
+
+    // Answers each with its line end.
+    void addLines(const std::string& answers) {
+        if (pending.size() + answers.size() > kBlock) {
+            writeOut();
+        }
+        if (answers.size() >= kBlock) {
+            std::fwrite(answers.data(), 1, answers.size(), stream);
+        } else {
+            pending += answers;
         }
     }
 
@@ -98,11 +104,38 @@ private:
     std::string pending;
 };
 
-// Hands lines to the workers and writes their answers in input order: whoever
-// delivers the next answer due writes it, and every answer that waited behind it.
+// Lines read in a row, handed to a worker as one, with their answers. A chunk
+// goes round between the reader, a worker and the writer, and keeps its
+// strings' room, so that lines and answers cost no allocation once the
+// first chunks are filled, nor a free in another thread than the one that
+// allocated.
+struct Chunk {
+    std::size_t sequence = 0;   // from 0, in input order
+    std::size_t firstLine = 0;  // the index of its first line, from 0
+    std::size_t count = 0;      // lines held, the first `count` of `lines`
+    std::vector<std::string> lines;
+    std::vector<std::size_t> bytes;  // of each line as read, line end included
+    std::string answers;             // each with its line end
+    std::size_t malformed = 0;       // lines that were no request
+
+    // Takes the line's text, leaving the room of an earlier line in its place.
+    void add(std::string& text, std::size_t lineBytes) {
+        if (count == lines.size()) {
+            lines.emplace_back();
+            bytes.push_back(0);
+        }
+        lines[count].swap(text);
+        bytes[count] = lineBytes;
+        ++count;
+    }
+};
+
+// Hands chunks of lines to the workers and writes their answers in input
+// order: whoever delivers the next chunk due writes it, and every chunk that
+// waited behind it.
 class OrderedPipeline {
 public:
-    explicit OrderedPipeline(std::size_t window) : window(window) {}
+    explicit OrderedPipeline(std::size_t window) : window(window), ready(window, nullptr) {}
 
     // Before the first line: the bar to advance as answers are written.
     void showProgressOn(ProgressBar* bar) {
@@ -110,23 +143,42 @@ public:
         progress = bar;
     }
 
-    // Reader: waits until the line may be read ahead, then queues it. False
-    // once the work was given up, so that the reader stops.
-    bool push(Line line) {
+    // Reader: an empty chunk for the lines from `firstLine` on, once one may
+    // be read ahead; null once the work was given up, so that the reader
+    // stops.
+    Chunk* acquire(std::size_t firstLine) {
         std::unique_lock<std::mutex> lock(mutex);
-        if (!givenUp && line.index >= nextToWrite + window) {
+        if (!givenUp && unused.empty() && chunks.size() == window) {
             // Once the window is full the reader waits until half of it is
-            // answered, so that it and the workers wake each other once per
-            // half window instead of once per line.
+            // written, so that it and the workers wake each other once per
+            // half window instead of once per chunk.
             readerWaiting = true;
             roomAvailable.wait(lock, [&] { return givenUp || hasRoomForHalfAWindow(); });
             readerWaiting = false;
         }
         if (givenUp) {
+            return nullptr;
+        }
+        if (unused.empty()) {
+            chunks.push_back(std::make_unique<Chunk>());
+            unused.push_back(chunks.back().get());
+        }
+        Chunk* const chunk = unused.back();
+        unused.pop_back();
+        chunk->firstLine = firstLine;
+        chunk->count = 0;
+        return chunk;
+    }
+
+    // Reader: queues a chunk of at least one line. False once the work was
+    // given up, so that the reader stops.
+    bool submit(Chunk* chunk) {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (givenUp) {
             return false;
         }
-        queue.push_back(std::move(line));
-        ++pushed;
+        chunk->sequence = submitted++;
+        queue.push_back(chunk);
         workAvailable.notify_one();
         return true;
     }
@@ -160,47 +212,42 @@ public:
         workAvailable.notify_all();
     }
 
-    // Worker: the next lines, as many as are queued up to `most`, or false
-    // once the input is done or the work was given up. Taking several at a
-    // time lets the workers and the reader meet at the lock less often.
-    bool take(std::vector<Line>& lines, std::size_t most) {
-        lines.clear();
+    // Worker: the next chunk to answer, or null once the input is done or
+    // the work was given up.
+    Chunk* take() {
         std::unique_lock<std::mutex> lock(mutex);
         workAvailable.wait(lock, [&] { return closed || !queue.empty(); });
         if (queue.empty() || givenUp) {
-            return false;
+            return nullptr;
         }
-        while (!queue.empty() && lines.size() < most) {
-            lines.push_back(std::move(queue.front()));
-            queue.pop_front();
-        }
-        return true;
+        Chunk* const chunk = queue.front();
+        queue.pop_front();
+        return chunk;
     }
 
-    // Worker: the answers to the lines taken last, in their order.
-    void deliver(const std::vector<Line>& lines, std::vector<BatchAnswer>& given) {
+    // Worker: a chunk taken last, answered.
+    void deliver(Chunk* chunk) {
         std::lock_guard<std::mutex> lock(mutex);
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            if (!given[i].wasRequest) {
-                ++malformed;
-            }
-            ready.emplace(lines[i].index, Answer{std::move(given[i].text), lines[i].bytes});
-        }
+        ready[chunk->sequence % window] = chunk;
         bool wrote = false;
-        for (auto next = ready.find(nextToWrite); next != ready.end();
-             next = ready.find(nextToWrite)) {
-            answers.add(next->second.text);
+        for (Chunk* next = ready[nextToWrite % window]; next != nullptr;
+             next = ready[nextToWrite % window]) {
+            answers.addLines(next->answers);
+            malformed += next->malformed;
             if (progress != nullptr) {
-                progress->advance(next->second.bytes);
+                for (std::size_t i = 0; i < next->count; ++i) {
+                    progress->advance(next->bytes[i]);
+                }
             }
-            ready.erase(next);
+            ready[nextToWrite % window] = nullptr;
+            unused.push_back(next);
             ++nextToWrite;
             wrote = true;
         }
         if (wrote) {
             // Flushed whenever all that was read is answered, so that answers
             // to lines typed or piped slowly come out at once.
-            if (nextToWrite == pushed) {
+            if (nextToWrite == submitted) {
                 answers.flush();
             }
             if (readerWaiting && hasRoomForHalfAWindow()) {
@@ -221,26 +268,22 @@ public:
     }
 
 private:
-    struct Answer {
-        std::string text;
-        std::size_t bytes;
-    };
+    // Under the lock: whether half of the window is written and unused.
+    bool hasRoomForHalfAWindow() const { return unused.size() * 2 >= window; }
 
-    // Under the lock: whether the next half window of lines may be read
-    // ahead of the last answer written.
-    bool hasRoomForHalfAWindow() const { return pushed + window / 2 < nextToWrite + window; }
-
-    const std::size_t window;
+    const std::size_t window;  // chunks read ahead of the last written, at most
     AnswerWriter answers{answerStream()};
     ProgressBar* progress = nullptr;
 
     std::mutex mutex;
     std::condition_variable workAvailable;
     std::condition_variable roomAvailable;
-    std::deque<Line> queue;
+    std::vector<std::unique_ptr<Chunk>> chunks;  // all made so far
+    std::vector<Chunk*> unused;
+    std::deque<Chunk*> queue;
     bool closed = false;
-    std::size_t pushed = 0;
-    std::map<std::size_t, Answer> ready;
+    std::size_t submitted = 0;
+    std::vector<Chunk*> ready;  // answered, by sequence modulo the window
     std::size_t nextToWrite = 0;
     bool readerWaiting = false;
     std::size_t malformed = 0;
@@ -257,14 +300,19 @@ void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& 
         TOVCoreDataControllers core;
         core.borrowData(loaded);
         const RequestJudge judge = judgeWithCoreData(&core);
-        std::vector<Line> lines;
-        std::vector<BatchAnswer> answers;
-        while (pipeline.take(lines, kLinesPerTake)) {
-            answers.clear();
-            for (const Line& line : lines) {
-                answers.push_back(answerBatchLine(line.text, line.index + 1, judge, format));
+        for (Chunk* chunk = pipeline.take(); chunk != nullptr; chunk = pipeline.take()) {
+            chunk->answers.clear();
+            chunk->malformed = 0;
+            for (std::size_t i = 0; i < chunk->count; ++i) {
+                const BatchAnswer answer =
+                    answerBatchLine(chunk->lines[i], chunk->firstLine + i + 1, judge, format);
+                if (!answer.wasRequest) {
+                    ++chunk->malformed;
+                }
+                chunk->answers += answer.text;
+                chunk->answers += '\n';
             }
-            pipeline.deliver(lines, answers);
+            pipeline.deliver(chunk);
         }
     } catch (...) {
         pipeline.giveUp(std::current_exception());
@@ -391,7 +439,7 @@ private:
 };
 
 // Reads every line and hands it to `take(text, bytes, index)`, which may keep
-// the text (by moving it) and returns false to stop the reading. Empty when
+// the text (by swapping it) and returns false to stop the reading. Empty when
 // the input was read to its end or `take` stopped it, otherwise the message
 // that tells why reading stopped.
 template <typename TakeLine>
@@ -420,13 +468,35 @@ std::string readLines(std::FILE* input, const BatchOptions& options,
     }
 }
 
-// Feeds every line to the pipeline; the message of readLines.
+// Feeds every line to the pipeline in chunks; the message of readLines. A
+// chunk goes to the workers when full, and before each read, which may wait,
+// so that lines typed or piped slowly are answered at once.
 std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipeline& pipeline) {
-    return readLines(input, options, {},
-                     [&pipeline](std::string& text, std::size_t bytes, std::size_t index) {
-                         // False once the work was given up; the failure tells why.
-                         return pipeline.push({index, std::move(text), bytes});
-                     });
+    Chunk* chunk = nullptr;
+    bool givenUp = false;
+    const auto submit = [&] {
+        if (chunk != nullptr && chunk->count > 0) {
+            givenUp = !pipeline.submit(chunk) || givenUp;
+            chunk = nullptr;
+        }
+    };
+    std::string message = readLines(input, options, submit,
+                                    [&](std::string& text, std::size_t bytes, std::size_t index) {
+                                        if (chunk == nullptr && !givenUp) {
+                                            chunk = pipeline.acquire(index);
+                                            givenUp = chunk == nullptr;
+                                        }
+                                        if (givenUp) {
+                                            return false;  // the failure tells why
+                                        }
+                                        chunk->add(text, bytes);
+                                        if (chunk->count == kLinesPerChunk) {
+                                            submit();
+                                        }
+                                        return true;
+                                    });
+    submit();
+    return message;
 }
 
 // With one job the reading thread answers each line as soon as it is read:
@@ -448,7 +518,7 @@ std::string answerInTurn(std::FILE* input, const BatchOptions& options,
             if (!answer.wasRequest) {
                 ++malformed;
             }
-            answers.add(answer.text);
+            answers.addLine(answer.text);
             if (progress != nullptr) {
                 progress->advance(bytes);
             }
@@ -461,7 +531,7 @@ std::string answerInTurn(std::FILE* input, const BatchOptions& options,
 std::string answerByWorkers(std::FILE* input, const BatchOptions& options,
                             TOVCoreDataControllers* loaded, ProgressBar* progress,
                             std::size_t& malformed) {
-    OrderedPipeline pipeline(kLinesInFlightPerJob * options.jobs);
+    OrderedPipeline pipeline(kChunksInFlightPerJob * options.jobs);
     if (progress != nullptr) {
         pipeline.showProgressOn(progress);
     }
