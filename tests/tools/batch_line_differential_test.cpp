@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <fstream>
+#include <initializer_list>
 #include <random>
 #include <sstream>
 #include <string>
@@ -352,6 +353,14 @@ TEST(BatchLineDifferential, TheLinesTextAnswersAsTheTreesText) {
     EXPECT_GT(beyondDouble, 0U);
 }
 
+std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts) {
+        text += part;
+    }
+    return text;
+}
+
 // Lines at the edges of what is scanned without RapidJSON's reader and what is
 // left to it: numbers, escapes, nesting, names and kinds written with escapes,
 // and what may stand around the root.
@@ -454,24 +463,26 @@ std::vector<std::string> edgeLines() {
         "{\"\":1}",
     };
     for (const std::string& value : values) {
-        lines.push_back(R"({"kind":"edit","request":{"objectType":"Part","x":)" + value + "}}");
-        lines.push_back(R"({"id":)" + value + R"(,"kind":"edit","request":)" + request + "}");
-        lines.push_back(R"({"kind":)" + value + R"(,"request":)" + request + "}");
-        lines.push_back(R"({)" + value + R"(:1,"kind":"edit","request":)" + request + "}");
+        lines.push_back(
+            joined({R"({"kind":"edit","request":{"objectType":"Part","x":)", value, "}}"}));
+        lines.push_back(joined({R"({"id":)", value, R"(,"kind":"edit","request":)", request, "}"}));
+        lines.push_back(joined({R"({"kind":)", value, R"(,"request":)", request, "}"}));
+        lines.push_back(joined({"{", value, R"(:1,"kind":"edit","request":)", request, "}"}));
     }
     for (const std::size_t depth : {62, 63, 64, 65, 200}) {
-        lines.push_back(R"({"kind":"edit","request":{"objectType":"Part","x":)" +
-                        nested(depth, "1") + "}}");
-        lines.push_back(R"({"id":)" + nested(depth, "{}") + R"(,"kind":"edit","request":{}})");
-        lines.push_back(R"({"kind":"edit","request":)" + nested(depth, "") + "}");
+        lines.push_back(joined(
+            {R"({"kind":"edit","request":{"objectType":"Part","x":)", nested(depth, "1"), "}}"}));
+        lines.push_back(
+            joined({R"({"id":)", nested(depth, "{}"), R"(,"kind":"edit","request":{}})"}));
+        lines.push_back(joined({R"({"kind":"edit","request":)", nested(depth, ""), "}"}));
     }
     lines.push_back(std::string(R"({"kind":"edit","request":{}})") + '\0' + "x");
     lines.push_back(std::string(R"({"kind":"edit",)") + '\0' + R"("request":{}})");
-    lines.push_back(
+    lines.emplace_back(
         "\xef\xbb\xbf"
         R"({"kind":"edit","request":{}})");
-    lines.push_back(R"({"kind":"edit","request":{"objectType":"Part"}})"
-                    "\t\r\n ");
+    lines.emplace_back(R"({"kind":"edit","request":{"objectType":"Part"}})"
+                       "\t\r\n ");
     return lines;
 }
 
