@@ -37,8 +37,8 @@ namespace {
 // Lines a worker takes at a time, as one chunk: few enough that the workers
 // share a short input, enough to spare most meetings at the lock.
 constexpr std::size_t kLinesPerChunk = 16;
-// Chunks that may be read ahead of the last answer written, per worker:
-// enough to keep every worker busy while bounding memory on a large input.
+// Chunks that may be read ahead of the last answer written, per job: enough
+// to keep every job busy while bounding memory on a large input.
 constexpr std::size_t kChunksInFlightPerJob = 4;
 
 struct BatchOptions : DocumentCommandOptions {
@@ -58,8 +58,8 @@ public:
     explicit AnswerWriter(std::FILE* stream) : stream(stream) { pending.reserve(kBlock); }
     AnswerWriter(const AnswerWriter&) = delete;
     AnswerWriter& operator=(const AnswerWriter&) = delete;
-    // The answers given before an exception stand, as the lines they answer
-    // were read to the end.
+    // Answers given before an exception still reach the stream, as they did
+    // when each was written by itself.
     ~AnswerWriter() { writeOut(); }
 
     void addLine(const std::string& answer) {
@@ -144,16 +144,23 @@ public:
     }
 
     // Reader: an empty chunk for the lines from `firstLine` on, once one may
-    // be read ahead; null once the work was given up, so that the reader
+    // be read ahead. While none may, the reader answers a queued chunk
+    // instead of waiting: it is left in `toAnswer`, and null returned. Null
+    // and no chunk to answer once the work was given up, so that the reader
     // stops.
-    Chunk* acquire(std::size_t firstLine) {
+    Chunk* acquire(std::size_t firstLine, Chunk*& toAnswer) {
+        toAnswer = nullptr;
         std::unique_lock<std::mutex> lock(mutex);
-        if (!givenUp && unused.empty() && chunks.size() == window) {
-            // Once the window is full the reader waits until half of it is
-            // written, so that it and the workers wake each other once per
-            // half window instead of once per chunk.
+        if (!givenUp && !hasRoom()) {
+            if (!queue.empty()) {
+                toAnswer = queue.front();
+                queue.pop_front();
+                return nullptr;
+            }
+            // Every chunk is being answered by a worker, or waits for one
+            // that is.
             readerWaiting = true;
-            roomAvailable.wait(lock, [&] { return givenUp || hasRoomForHalfAWindow(); });
+            roomAvailable.wait(lock, [&] { return givenUp || hasRoom(); });
             readerWaiting = false;
         }
         if (givenUp) {
@@ -250,7 +257,7 @@ public:
             if (nextToWrite == submitted) {
                 answers.flush();
             }
-            if (readerWaiting && hasRoomForHalfAWindow()) {
+            if (readerWaiting) {
                 roomAvailable.notify_all();
             }
         }
@@ -268,8 +275,8 @@ public:
     }
 
 private:
-    // Under the lock: whether half of the window is written and unused.
-    bool hasRoomForHalfAWindow() const { return unused.size() * 2 >= window; }
+    // Under the lock: whether a chunk more may be read ahead.
+    bool hasRoom() const { return !unused.empty() || chunks.size() < window; }
 
     const std::size_t window;  // chunks read ahead of the last written, at most
     AnswerWriter answers{answerStream()};
@@ -291,6 +298,21 @@ private:
     std::exception_ptr failure;
 };
 
+// Answers every line of a chunk.
+void answerChunk(Chunk& chunk, const RequestJudge& judge, OutputFormat format) {
+    chunk.answers.clear();
+    chunk.malformed = 0;
+    for (std::size_t i = 0; i < chunk.count; ++i) {
+        const BatchAnswer answer =
+            answerBatchLine(chunk.lines[i], chunk.firstLine + i + 1, judge, format);
+        if (!answer.wasRequest) {
+            ++chunk.malformed;
+        }
+        chunk.answers += answer.text;
+        chunk.answers += '\n';
+    }
+}
+
 // A worker borrows the loaded store: evaluations only read the rule store and
 // the data model, and the logger writes each line by itself.
 // An exception ends this worker's work and everyone else's: it is handed to
@@ -301,17 +323,7 @@ void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& 
         core.borrowData(loaded);
         const RequestJudge judge = judgeWithCoreData(&core);
         for (Chunk* chunk = pipeline.take(); chunk != nullptr; chunk = pipeline.take()) {
-            chunk->answers.clear();
-            chunk->malformed = 0;
-            for (std::size_t i = 0; i < chunk->count; ++i) {
-                const BatchAnswer answer =
-                    answerBatchLine(chunk->lines[i], chunk->firstLine + i + 1, judge, format);
-                if (!answer.wasRequest) {
-                    ++chunk->malformed;
-                }
-                chunk->answers += answer.text;
-                chunk->answers += '\n';
-            }
+            answerChunk(*chunk, judge, format);
             pipeline.deliver(chunk);
         }
     } catch (...) {
@@ -470,8 +482,15 @@ std::string readLines(std::FILE* input, const BatchOptions& options,
 
 // Feeds every line to the pipeline in chunks; the message of readLines. A
 // chunk goes to the workers when full, and before each read, which may wait,
-// so that lines typed or piped slowly are answered at once.
-std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipeline& pipeline) {
+// so that lines typed or piped slowly are answered at once. While no more
+// may be read ahead, the reading thread answers queued chunks itself, as one
+// of the jobs: so the jobs need no thread more than the cores they stand for,
+// and the reader is not woken for each few chunks answered.
+std::string feedLines(std::FILE* input, const BatchOptions& options, TOVCoreDataControllers* loaded,
+                      OrderedPipeline& pipeline) {
+    TOVCoreDataControllers core;
+    core.borrowData(loaded);
+    const RequestJudge judge = judgeWithCoreData(&core);
     Chunk* chunk = nullptr;
     bool givenUp = false;
     const auto submit = [&] {
@@ -480,12 +499,21 @@ std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipe
             chunk = nullptr;
         }
     };
+    const auto acquire = [&](std::size_t index) {
+        while (chunk == nullptr && !givenUp) {
+            Chunk* toAnswer = nullptr;
+            chunk = pipeline.acquire(index, toAnswer);
+            if (toAnswer != nullptr) {
+                answerChunk(*toAnswer, judge, options.format);
+                pipeline.deliver(toAnswer);
+            } else if (chunk == nullptr) {
+                givenUp = true;
+            }
+        }
+    };
     std::string message = readLines(input, options, submit,
                                     [&](std::string& text, std::size_t bytes, std::size_t index) {
-                                        if (chunk == nullptr && !givenUp) {
-                                            chunk = pipeline.acquire(index);
-                                            givenUp = chunk == nullptr;
-                                        }
+                                        acquire(index);
                                         if (givenUp) {
                                             return false;  // the failure tells why
                                         }
@@ -538,10 +566,11 @@ std::string answerByWorkers(std::FILE* input, const BatchOptions& options,
     std::string readError;
     {
         Workers workers(pipeline);
-        for (unsigned i = 0; i < options.jobs; ++i) {
+        // The reading thread is one of the jobs.
+        for (unsigned i = 1; i < options.jobs; ++i) {
             workers.start(loaded, options.format);
         }
-        readError = feedLines(input, options, pipeline);
+        readError = feedLines(input, options, loaded, pipeline);
         pipeline.close();
         workers.joinAll();
     }
