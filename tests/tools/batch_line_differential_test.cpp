@@ -510,6 +510,78 @@ TEST(BatchLineDifferential, LinesAtTheEdgesOfTheQuickScanAnswerAsTheTree) {
     EXPECT_GT(refused, 100U);
 }
 
+// The single string that batch writes itself must be the library's, byte for
+// byte, for names and values plain and not: white space to collapse, text to
+// escape, zero bytes, bytes beyond ASCII, and a keyword named "Result".
+TEST(BatchLineDifferential, TheSingleStringIsTheLibrarys) {
+    const std::vector<std::string> texts = {"",
+                                            "Result",
+                                            "ResultComment",
+                                            "Edit attempt approved",
+                                            "a b",
+                                            " a",
+                                            "a ",
+                                            "a  b",
+                                            "a\tb",
+                                            "a\nb",
+                                            "\"q\"",
+                                            "back\\slash",
+                                            "ctl\x01",
+                                            "del\x7f",
+                                            "\xc3\xa9t\xc3\xa9",
+                                            "nul\0x"s,
+                                            "ObjectFamilyMembers",
+                                            "MissingData",
+                                            "Z",
+                                            "A",
+                                            "Resulu",
+                                            "Resul",
+                                            "[a, b]",
+                                            "{\"x\":1}"};
+    std::mt19937 random(20261125);
+    std::size_t plain = 0;
+    for (int i = 0; i < 3000; ++i) {
+        TOVResponse response;
+        response.setGeneralResult(random() % 2 == 0);
+        if (random() % 3 != 0) {
+            response.setGeneralResultComment(pick(random, texts).c_str());
+        }
+        const unsigned members = random() % 4;
+        for (unsigned m = 0; m < members; ++m) {
+            response.setCommentUnderKeyword(pick(random, texts), pick(random, texts));
+        }
+        if (random() % 5 == 0) {
+            response.setThisKeywordToReportMissingData("ObjectFamilyMembers");
+        }
+        if (random() % 5 == 0) {
+            response.setConflictResolutionOptions({"attr1", "attr 2"});
+        }
+        const std::string expected = response.turnResponseIntoASingleString();
+        ASSERT_EQ(tovcli::singleStringOf(response), expected);
+        plain += expected.find('\\') == std::string::npos ? 1 : 0;
+    }
+    EXPECT_GT(plain, 500U);
+    // And for the library's own answers to the generated lines.
+    const tovcli::RequestJudge judge = tovcli::judgeWithCoreData(&exampleCoreData());
+    for (const std::string& line : exampleLines()) {
+        tovjson::Document parsed;
+        parsed.Parse<rapidjson::kParseIterativeFlag>(line.c_str(), line.size());
+        if (parsed.HasParseError() || !parsed.IsObject() || !parsed.HasMember("request") ||
+            !parsed.HasMember("kind") || !parsed["kind"].IsString()) {
+            continue;
+        }
+        const tovcli::RequestKind* kind = tovcli::findRequestKind(parsed["kind"].GetString());
+        if (kind == nullptr) {
+            continue;
+        }
+        tovjson::StringBuffer request;
+        tovjson::Writer writer(request);
+        parsed["request"].Accept(writer);
+        const TOVResponse response = judge(*kind, request.GetString());
+        EXPECT_EQ(tovcli::singleStringOf(response), response.turnResponseIntoASingleString());
+    }
+}
+
 // A number beyond a double's range reads as infinity, which no writer writes
 // back: the request still reaches the library as the line wrote it, so the
 // answer is tov eval's, and an id holding one is echoed as written.
