@@ -486,11 +486,8 @@ std::string readLines(std::FILE* input, const BatchOptions& options,
 // may be read ahead, the reading thread answers queued chunks itself, as one
 // of the jobs: so the jobs need no thread more than the cores they stand for,
 // and the reader is not woken for each few chunks answered.
-std::string feedLines(std::FILE* input, const BatchOptions& options, TOVCoreDataControllers* loaded,
+std::string feedLines(std::FILE* input, const BatchOptions& options, const RequestJudge& judge,
                       OrderedPipeline& pipeline) {
-    TOVCoreDataControllers core;
-    core.borrowData(loaded);
-    const RequestJudge judge = judgeWithCoreData(&core);
     Chunk* chunk = nullptr;
     bool givenUp = false;
     const auto submit = [&] {
@@ -566,12 +563,21 @@ std::string answerByWorkers(std::FILE* input, const BatchOptions& options,
     std::string readError;
     {
         Workers workers(pipeline);
-        // The reading thread is one of the jobs.
+        // The reading thread is one of the jobs: it answers while no more
+        // lines may be read ahead, and once all are read, alongside the
+        // workers.
         for (unsigned i = 1; i < options.jobs; ++i) {
             workers.start(loaded, options.format);
         }
-        readError = feedLines(input, options, loaded, pipeline);
+        TOVCoreDataControllers core;
+        core.borrowData(loaded);
+        const RequestJudge judge = judgeWithCoreData(&core);
+        readError = feedLines(input, options, judge, pipeline);
         pipeline.close();
+        for (Chunk* chunk = pipeline.take(); chunk != nullptr; chunk = pipeline.take()) {
+            answerChunk(*chunk, judge, options.format);
+            pipeline.deliver(chunk);
+        }
         workers.joinAll();
     }
     pipeline.rethrowFailure();
