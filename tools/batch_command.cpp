@@ -1,5 +1,6 @@
 // tov batch: JSON Lines of requests in, one answer line out per input line, in
 // input order, evaluated by workers that share one loaded store.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -527,7 +528,7 @@ std::string feedLines(std::FILE* input, const BatchOptions& options, const Reque
 // With one job the reading thread answers each line as soon as it is read:
 // the same answers in the same order as through the pipeline, without
 // handing lines to a worker and waking it. The answers are flushed before
-// each read, which may wait, so that lines typed or piped slowly are answered
+// each read that may wait, so that lines typed or piped slowly are answered
 // at once. The message of readLines.
 std::string answerInTurn(std::FILE* input, const BatchOptions& options,
                          TOVCoreDataControllers* loaded, ProgressBar* progress,
@@ -536,19 +537,27 @@ std::string answerInTurn(std::FILE* input, const BatchOptions& options,
     core.borrowData(loaded);
     const RequestJudge judge = judgeWithCoreData(&core);
     AnswerWriter answers(answerStream());
-    return readLines(
-        input, options, [&answers] { answers.flush(); },
-        [&](const std::string& text, std::size_t bytes, std::size_t index) {
-            const BatchAnswer answer = answerBatchLine(text, index + 1, judge, options.format);
-            if (!answer.wasRequest) {
-                ++malformed;
-            }
-            answers.addLine(answer.text);
-            if (progress != nullptr) {
-                progress->advance(bytes);
-            }
-            return true;
-        });
+    // A read of a regular file never waits for its writer: flushing before
+    // it would only cut the output into more writes.
+    struct stat status {};
+    const bool readsMayWait = ::fstat(::fileno(input), &status) != 0 || !S_ISREG(status.st_mode);
+    std::function<void()> beforeRead;
+    if (readsMayWait) {
+        beforeRead = [&answers] { answers.flush(); };
+    }
+    return readLines(input, options, std::move(beforeRead),
+                     [&](const std::string& text, std::size_t bytes, std::size_t index) {
+                         const BatchAnswer answer =
+                             answerBatchLine(text, index + 1, judge, options.format);
+                         if (!answer.wasRequest) {
+                             ++malformed;
+                         }
+                         answers.addLine(answer.text);
+                         if (progress != nullptr) {
+                             progress->advance(bytes);
+                         }
+                         return true;
+                     });
 }
 
 // With more jobs the reading thread feeds the pipeline's workers. The
