@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string_view>
 
@@ -53,87 +52,10 @@ bool isBlank(const std::string& line) {
                        [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
 }
 
-// Whether the single string writes a name or value as it stands: printable
-// ASCII but the quote and the backslash, with spaces only single and inside,
-// which neither collapsing white space nor escaping changes.
-bool standsAsWritten(const std::string& text) {
-    if (!text.empty() && (text.front() == ' ' || text.back() == ' ')) {
-        return false;
-    }
-    bool afterSpace = false;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte == ' ') {
-            if (afterSpace) {
-                return false;
-            }
-            afterSpace = true;
-            continue;
-        }
-        afterSpace = false;
-        if (byte < 0x21 || byte > 0x7E || byte == '"' || byte == '\\') {
-            return false;
-        }
-    }
-    return true;
-}
-
-void appendQuoted(std::string& out, const std::string& text) {
-    out += '"';
-    out += text;
-    out += '"';
-}
-
-}  // namespace
-
-std::string singleStringOf(const TOVResponse& response) {
-    static const std::string kResult = "Result";
-    const std::map<std::string, std::string> comments = response.getStringStringMapOfResponse();
-    std::string text;
-    text.reserve(64);
-    text += '{';
-    // Between members: the text holds more than its brace.
-    const auto separate = [&text] {
-        if (text.size() > 1) {
-            text += ',';
-        }
-    };
-    bool resultWritten = false;
-    const auto writeResult = [&] {
-        separate();
-        text += response.getGeneralResult() ? R"("Result":"Success")" : R"("Result":"Failure")";
-        resultWritten = true;
-    };
-    for (const auto& [name, value] : comments) {
-        if (!standsAsWritten(name) || !standsAsWritten(value)) {
-            return response.turnResponseIntoASingleString();
-        }
-        // "Result" takes its place in the order of names, and its value is
-        // the general result's, whatever a keyword of that name holds.
-        if (!resultWritten && name >= kResult) {
-            writeResult();
-            if (name == kResult) {
-                continue;
-            }
-        }
-        separate();
-        appendQuoted(text, name);
-        text += ':';
-        appendQuoted(text, value);
-    }
-    if (!resultWritten) {
-        writeResult();
-    }
-    text += '}';
-    return text;
-}
-
-namespace {
-
 BatchAnswer answerFromResponse(const TOVResponse& response, const EchoedId& id,
                                OutputFormat format) {
     if (format == OutputFormat::kText) {
-        return {singleStringOf(response), true};
+        return {response.turnResponseIntoASingleString(), true};
     }
     tovjson::StringBuffer buffer;
     JsonWriter writer(buffer);

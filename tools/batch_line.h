@@ -60,12 +60,6 @@ void trimBatchLine(std::string& line, bool firstLine);
 // it. False at the end of the input.
 bool cutBatchLine(const std::string& input, std::size_t& position, std::string& line);
 
-// The response's single-string form, byte for byte that of
-// TOVResponse::turnResponseIntoASingleString, which tov eval prints; written
-// here, without the library's copies, when every name and value stands as
-// written, and by the library otherwise.
-std::string singleStringOf(const TOVResponse& response);
-
 // A judge that asks the library's request functions with `core`.
 RequestJudge judgeWithCoreData(TOVCoreDataControllers* core);
 
