@@ -1,5 +1,6 @@
 // tov batch: JSON Lines of requests in, one answer line out per input line, in
 // input order, evaluated by workers that share one loaded store.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <deque>
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <limits>
 #include <map>
@@ -33,12 +35,12 @@ namespace tovcli {
 
 namespace {
 
-// Lines that may be read ahead of the last answer written, per worker: enough
-// to keep every worker busy while bounding memory on a large input.
-constexpr std::size_t kLinesInFlightPerJob = 64;
-// Lines a worker takes from the queue at most at a time: few enough that
-// the workers share a short input, enough to spare most meetings at the lock.
-constexpr std::size_t kLinesPerTake = 8;
+// Lines a worker takes at a time, as one chunk: few enough that the workers
+// share a short input, enough to spare most meetings at the lock.
+constexpr std::size_t kLinesPerChunk = 16;
+// Chunks that may be read ahead of the last answer written, per job: enough
+// to keep every job busy while bounding memory on a large input.
+constexpr std::size_t kChunksInFlightPerJob = 4;
 
 struct BatchOptions : DocumentCommandOptions {
     std::string requestsPath;  // empty or "-": standard input
@@ -50,17 +52,91 @@ unsigned defaultJobs() {
     return threads == 0 ? 1 : threads;
 }
 
-struct Line {
-    std::size_t index;  // from 0, in input order
-    std::string text;
-    std::size_t bytes;  // as read, line end included
+// Answers on their way to the answer stream, gathered into large writes: a
+// write of each answer by itself would cost more than the rest of its framing.
+class AnswerWriter {
+public:
+    explicit AnswerWriter(std::FILE* stream) : stream(stream) { pending.reserve(kBlock); }
+    AnswerWriter(const AnswerWriter&) = delete;
+    AnswerWriter& operator=(const AnswerWriter&) = delete;
+    // Answers given before an exception still reach the stream, as they did
+    // when each was written by itself.
+    ~AnswerWriter() { writeOut(); }
+
+    void addLine(const std::string& answer) {
+        // Room first, so that running out of memory leaves no half answer.
+        pending.reserve(pending.size() + answer.size() + 1);
+        pending += answer;
+        pending += '\n';
+        if (pending.size() >= kBlock) {
+            writeOut();
+        }
+    }
+
+    // Answers each with its line end.
+    void addLines(const std::string& answers) {
+        if (pending.size() + answers.size() > kBlock) {
+            writeOut();
+        }
+        if (answers.size() >= kBlock) {
+            std::fwrite(answers.data(), 1, answers.size(), stream);
+        } else {
+            pending += answers;
+        }
+    }
+
+    // Makes the answers given so far reach their reader now.
+    void flush() {
+        writeOut();
+        std::fflush(stream);
+    }
+
+private:
+    static constexpr std::size_t kBlock = 65536;
+
+    void writeOut() {
+        if (!pending.empty()) {
+            std::fwrite(pending.data(), 1, pending.size(), stream);
+            pending.clear();
+        }
+    }
+
+    std::FILE* const stream;
+    std::string pending;
 };
 
-// Hands lines to the workers and writes their answers in input order: whoever
-// delivers the next answer due writes it, and every answer that waited behind it.
+// Lines read in a row, handed to a worker as one, with their answers. A chunk
+// goes round between the reader, a worker and the writer, and keeps its
+// strings' room, so that lines and answers cost no allocation once the
+// first chunks are filled, nor a free in another thread than the one that
+// allocated.
+struct Chunk {
+    std::size_t sequence = 0;   // from 0, in input order
+    std::size_t firstLine = 0;  // the index of its first line, from 0
+    std::size_t count = 0;      // lines held, the first `count` of `lines`
+    std::vector<std::string> lines;
+    std::vector<std::size_t> bytes;  // of each line as read, line end included
+    std::string answers;             // each with its line end
+    std::size_t malformed = 0;       // lines that were no request
+
+    // Takes the line's text, leaving the room of an earlier line in its place.
+    void add(std::string& text, std::size_t lineBytes) {
+        if (count == lines.size()) {
+            lines.emplace_back();
+            bytes.push_back(0);
+        }
+        lines[count].swap(text);
+        bytes[count] = lineBytes;
+        ++count;
+    }
+};
+
+// Hands chunks of lines to the workers and writes their answers in input
+// order: whoever delivers the next chunk due writes it, and every chunk that
+// waited behind it.
 class OrderedPipeline {
 public:
-    explicit OrderedPipeline(std::size_t window) : window(window) {}
+    explicit OrderedPipeline(std::size_t window) : window(window), ready(window, nullptr) {}
 
     // Before the first line: the bar to advance as answers are written.
     void showProgressOn(ProgressBar* bar) {
@@ -68,23 +144,49 @@ public:
         progress = bar;
     }
 
-    // Reader: waits until the line may be read ahead, then queues it. False
-    // once the work was given up, so that the reader stops.
-    bool push(Line line) {
+    // Reader: an empty chunk for the lines from `firstLine` on, once one may
+    // be read ahead. While none may, the reader answers a queued chunk
+    // instead of waiting: it is left in `toAnswer`, and null returned. Null
+    // and no chunk to answer once the work was given up, so that the reader
+    // stops.
+    Chunk* acquire(std::size_t firstLine, Chunk*& toAnswer) {
+        toAnswer = nullptr;
         std::unique_lock<std::mutex> lock(mutex);
-        if (!givenUp && line.index >= nextToWrite + window) {
-            // Once the window is full the reader waits until half of it is
-            // answered, so that it and the workers wake each other once per
-            // half window instead of once per line.
+        if (!givenUp && !hasRoom()) {
+            if (!queue.empty()) {
+                toAnswer = queue.front();
+                queue.pop_front();
+                return nullptr;
+            }
+            // Every chunk is being answered by a worker, or waits for one
+            // that is.
             readerWaiting = true;
-            roomAvailable.wait(lock, [&] { return givenUp || hasRoomForHalfAWindow(); });
+            roomAvailable.wait(lock, [&] { return givenUp || hasRoom(); });
             readerWaiting = false;
         }
         if (givenUp) {
+            return nullptr;
+        }
+        if (unused.empty()) {
+            chunks.push_back(std::make_unique<Chunk>());
+            unused.push_back(chunks.back().get());
+        }
+        Chunk* const chunk = unused.back();
+        unused.pop_back();
+        chunk->firstLine = firstLine;
+        chunk->count = 0;
+        return chunk;
+    }
+
+    // Reader: queues a chunk of at least one line. False once the work was
+    // given up, so that the reader stops.
+    bool submit(Chunk* chunk) {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (givenUp) {
             return false;
         }
-        queue.push_back(std::move(line));
-        ++pushed;
+        chunk->sequence = submitted++;
+        queue.push_back(chunk);
         workAvailable.notify_one();
         return true;
     }
@@ -118,51 +220,45 @@ public:
         workAvailable.notify_all();
     }
 
-    // Worker: the next lines, as many as are queued up to `most`, or false
-    // once the input is done or the work was given up. Taking several at a
-    // time lets the workers and the reader meet at the lock less often.
-    bool take(std::vector<Line>& lines, std::size_t most) {
-        lines.clear();
+    // Worker: the next chunk to answer, or null once the input is done or
+    // the work was given up.
+    Chunk* take() {
         std::unique_lock<std::mutex> lock(mutex);
         workAvailable.wait(lock, [&] { return closed || !queue.empty(); });
         if (queue.empty() || givenUp) {
-            return false;
+            return nullptr;
         }
-        while (!queue.empty() && lines.size() < most) {
-            lines.push_back(std::move(queue.front()));
-            queue.pop_front();
-        }
-        return true;
+        Chunk* const chunk = queue.front();
+        queue.pop_front();
+        return chunk;
     }
 
-    // Worker: the answers to the lines taken last, in their order.
-    void deliver(const std::vector<Line>& lines, std::vector<BatchAnswer>& given) {
+    // Worker: a chunk taken last, answered.
+    void deliver(Chunk* chunk) {
         std::lock_guard<std::mutex> lock(mutex);
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            if (!given[i].wasRequest) {
-                ++malformed;
-            }
-            ready.emplace(lines[i].index, Answer{std::move(given[i].text), lines[i].bytes});
-        }
+        ready[chunk->sequence % window] = chunk;
         bool wrote = false;
-        for (auto next = ready.find(nextToWrite); next != ready.end();
-             next = ready.find(nextToWrite)) {
-            std::fwrite(next->second.text.data(), 1, next->second.text.size(), answers);
-            std::fputc('\n', answers);
+        for (Chunk* next = ready[nextToWrite % window]; next != nullptr;
+             next = ready[nextToWrite % window]) {
+            answers.addLines(next->answers);
+            malformed += next->malformed;
             if (progress != nullptr) {
-                progress->advance(next->second.bytes);
+                for (std::size_t i = 0; i < next->count; ++i) {
+                    progress->advance(next->bytes[i]);
+                }
             }
-            ready.erase(next);
+            ready[nextToWrite % window] = nullptr;
+            unused.push_back(next);
             ++nextToWrite;
             wrote = true;
         }
         if (wrote) {
             // Flushed whenever all that was read is answered, so that answers
             // to lines typed or piped slowly come out at once.
-            if (nextToWrite == pushed) {
-                std::fflush(answers);
+            if (nextToWrite == submitted) {
+                answers.flush();
             }
-            if (readerWaiting && hasRoomForHalfAWindow()) {
+            if (readerWaiting) {
                 roomAvailable.notify_all();
             }
         }
@@ -173,33 +269,50 @@ public:
         return malformed;
     }
 
+    // After the workers are joined: every answer written to the answer stream.
+    void finishWriting() {
+        std::lock_guard<std::mutex> lock(mutex);
+        answers.flush();
+    }
+
 private:
-    struct Answer {
-        std::string text;
-        std::size_t bytes;
-    };
+    // Under the lock: whether a chunk more may be read ahead.
+    bool hasRoom() const { return !unused.empty() || chunks.size() < window; }
 
-    // Under the lock: whether the next half window of lines may be read
-    // ahead of the last answer written.
-    bool hasRoomForHalfAWindow() const { return pushed + window / 2 < nextToWrite + window; }
-
-    const std::size_t window;
-    std::FILE* const answers = answerStream();
+    const std::size_t window;  // chunks read ahead of the last written, at most
+    AnswerWriter answers{answerStream()};
     ProgressBar* progress = nullptr;
 
     std::mutex mutex;
     std::condition_variable workAvailable;
     std::condition_variable roomAvailable;
-    std::deque<Line> queue;
+    std::vector<std::unique_ptr<Chunk>> chunks;  // all made so far
+    std::vector<Chunk*> unused;
+    std::deque<Chunk*> queue;
     bool closed = false;
-    std::size_t pushed = 0;
-    std::map<std::size_t, Answer> ready;
+    std::size_t submitted = 0;
+    std::vector<Chunk*> ready;  // answered, by sequence modulo the window
     std::size_t nextToWrite = 0;
     bool readerWaiting = false;
     std::size_t malformed = 0;
     bool givenUp = false;
     std::exception_ptr failure;
 };
+
+// Answers every line of a chunk.
+void answerChunk(Chunk& chunk, const RequestJudge& judge, OutputFormat format) {
+    chunk.answers.clear();
+    chunk.malformed = 0;
+    for (std::size_t i = 0; i < chunk.count; ++i) {
+        const BatchAnswer answer =
+            answerBatchLine(chunk.lines[i], chunk.firstLine + i + 1, judge, format);
+        if (!answer.wasRequest) {
+            ++chunk.malformed;
+        }
+        chunk.answers += answer.text;
+        chunk.answers += '\n';
+    }
+}
 
 // A worker borrows the loaded store: evaluations only read the rule store and
 // the data model, and the logger writes each line by itself.
@@ -210,14 +323,9 @@ void work(TOVCoreDataControllers* loaded, OutputFormat format, OrderedPipeline& 
         TOVCoreDataControllers core;
         core.borrowData(loaded);
         const RequestJudge judge = judgeWithCoreData(&core);
-        std::vector<Line> lines;
-        std::vector<BatchAnswer> answers;
-        while (pipeline.take(lines, kLinesPerTake)) {
-            answers.clear();
-            for (const Line& line : lines) {
-                answers.push_back(answerBatchLine(line.text, line.index + 1, judge, format));
-            }
-            pipeline.deliver(lines, answers);
+        for (Chunk* chunk = pipeline.take(); chunk != nullptr; chunk = pipeline.take()) {
+            answerChunk(*chunk, judge, format);
+            pipeline.deliver(chunk);
         }
     } catch (...) {
         pipeline.giveUp(std::current_exception());
@@ -269,10 +377,14 @@ private:
 // descriptor into a buffer of its own and cuts lines with memchr, which costs
 // a small part of taking the input a byte at a time through stdio; a read
 // returns what has come, so lines typed or piped slowly are answered at once.
+// `beforeRead`, when set, runs before each read, which may wait for input.
 class LineReader {
 public:
-    LineReader(std::FILE* input, std::uint64_t maxLength)
-        : descriptor(::fileno(input)), maxLength(maxLength), buffer(kBufferSize) {}
+    LineReader(std::FILE* input, std::uint64_t maxLength, std::function<void()> beforeRead = {})
+        : descriptor(::fileno(input)),
+          maxLength(maxLength),
+          buffer(kBufferSize),
+          beforeRead(std::move(beforeRead)) {}
 
     enum Outcome { kLine, kEnd, kTooLong, kReadError };
 
@@ -319,6 +431,9 @@ private:
     static constexpr std::size_t kBufferSize = 65536;
 
     ssize_t readSome() {
+        if (beforeRead) {
+            beforeRead();
+        }
         while (true) {
             const ssize_t got = ::read(descriptor, buffer.data(), buffer.size());
             if (got >= 0 || errno != EINTR) {
@@ -330,15 +445,20 @@ private:
     int descriptor;  // read by this thread alone
     std::uint64_t maxLength;
     std::vector<char> buffer;
+    std::function<void()> beforeRead;
     std::size_t begin = 0;  // of what is read and not yet taken
     std::size_t end = 0;
     bool atEnd = false;
 };
 
-// Feeds every line to the pipeline. Empty when the input was read to its end,
-// otherwise the message that tells why reading stopped.
-std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipeline& pipeline) {
-    LineReader reader(input, options.documents.maxInputSize);
+// Reads every line and hands it to `take(text, bytes, index)`, which may keep
+// the text (by swapping it) and returns false to stop the reading. Empty when
+// the input was read to its end or `take` stopped it, otherwise the message
+// that tells why reading stopped.
+template <typename TakeLine>
+std::string readLines(std::FILE* input, const BatchOptions& options,
+                      std::function<void()> beforeRead, TakeLine take) {
+    LineReader reader(input, options.documents.maxInputSize, std::move(beforeRead));
     std::string text;
     std::size_t bytes = 0;
     std::size_t index = 0;
@@ -355,10 +475,124 @@ std::string feedLines(std::FILE* input, const BatchOptions& options, OrderedPipe
                    tooLarge(options.requestsPath, "requests", options.documents.maxInputSize);
         }
         trimBatchLine(text, index == 0);
-        if (!pipeline.push({index++, std::move(text), bytes})) {
-            return {};  // the work was given up; the failure tells why
+        if (!take(text, bytes, index++)) {
+            return {};
         }
     }
+}
+
+// Feeds every line to the pipeline in chunks; the message of readLines. A
+// chunk goes to the workers when full, and before each read, which may wait,
+// so that lines typed or piped slowly are answered at once. While no more
+// may be read ahead, the reading thread answers queued chunks itself, as one
+// of the jobs: so the jobs need no thread more than the cores they stand for,
+// and the reader is not woken for each few chunks answered.
+std::string feedLines(std::FILE* input, const BatchOptions& options, const RequestJudge& judge,
+                      OrderedPipeline& pipeline) {
+    Chunk* chunk = nullptr;
+    bool givenUp = false;
+    const auto submit = [&] {
+        if (chunk != nullptr && chunk->count > 0) {
+            givenUp = !pipeline.submit(chunk) || givenUp;
+            chunk = nullptr;
+        }
+    };
+    const auto acquire = [&](std::size_t index) {
+        while (chunk == nullptr && !givenUp) {
+            Chunk* toAnswer = nullptr;
+            chunk = pipeline.acquire(index, toAnswer);
+            if (toAnswer != nullptr) {
+                answerChunk(*toAnswer, judge, options.format);
+                pipeline.deliver(toAnswer);
+            } else if (chunk == nullptr) {
+                givenUp = true;
+            }
+        }
+    };
+    std::string message = readLines(input, options, submit,
+                                    [&](std::string& text, std::size_t bytes, std::size_t index) {
+                                        acquire(index);
+                                        if (givenUp) {
+                                            return false;  // the failure tells why
+                                        }
+                                        chunk->add(text, bytes);
+                                        if (chunk->count == kLinesPerChunk) {
+                                            submit();
+                                        }
+                                        return true;
+                                    });
+    submit();
+    return message;
+}
+
+// With one job the reading thread answers each line as soon as it is read:
+// the same answers in the same order as through the pipeline, without
+// handing lines to a worker and waking it. The answers are flushed before
+// each read that may wait, so that lines typed or piped slowly are answered
+// at once. The message of readLines.
+std::string answerInTurn(std::FILE* input, const BatchOptions& options,
+                         TOVCoreDataControllers* loaded, ProgressBar* progress,
+                         std::size_t& malformed) {
+    TOVCoreDataControllers core;
+    core.borrowData(loaded);
+    const RequestJudge judge = judgeWithCoreData(&core);
+    AnswerWriter answers(answerStream());
+    // A read of a regular file never waits for its writer: flushing before
+    // it would only cut the output into more writes.
+    struct stat status {};
+    const bool readsMayWait = ::fstat(::fileno(input), &status) != 0 || !S_ISREG(status.st_mode);
+    std::function<void()> beforeRead;
+    if (readsMayWait) {
+        beforeRead = [&answers] { answers.flush(); };
+    }
+    return readLines(input, options, std::move(beforeRead),
+                     [&](const std::string& text, std::size_t bytes, std::size_t index) {
+                         const BatchAnswer answer =
+                             answerBatchLine(text, index + 1, judge, options.format);
+                         if (!answer.wasRequest) {
+                             ++malformed;
+                         }
+                         answers.addLine(answer.text);
+                         if (progress != nullptr) {
+                             progress->advance(bytes);
+                         }
+                         return true;
+                     });
+}
+
+// With more jobs the reading thread feeds the pipeline's workers. The
+// message of readLines.
+std::string answerByWorkers(std::FILE* input, const BatchOptions& options,
+                            TOVCoreDataControllers* loaded, ProgressBar* progress,
+                            std::size_t& malformed) {
+    OrderedPipeline pipeline(kChunksInFlightPerJob * options.jobs);
+    if (progress != nullptr) {
+        pipeline.showProgressOn(progress);
+    }
+    std::string readError;
+    {
+        Workers workers(pipeline);
+        // The reading thread is one of the jobs: it answers while no more
+        // lines may be read ahead, and once all are read, alongside the
+        // workers.
+        for (unsigned i = 1; i < options.jobs; ++i) {
+            workers.start(loaded, options.format);
+        }
+        TOVCoreDataControllers core;
+        core.borrowData(loaded);
+        const RequestJudge judge = judgeWithCoreData(&core);
+        readError = feedLines(input, options, judge, pipeline);
+        pipeline.close();
+        for (Chunk* chunk = pipeline.take(); chunk != nullptr; chunk = pipeline.take()) {
+            answerChunk(*chunk, judge, options.format);
+            pipeline.deliver(chunk);
+        }
+        workers.joinAll();
+    }
+    pipeline.rethrowFailure();
+    pipeline.finishWriting();
+    malformed = pipeline.malformedLines();
+    return readError;
 }
 
 int runBatch(const BatchOptions& options) {
@@ -386,28 +620,19 @@ int runBatch(const BatchOptions& options) {
     }
 
     const unsigned jobs = options.jobs;
-    OrderedPipeline pipeline(kLinesInFlightPerJob * jobs);
     std::optional<ProgressBar> progress;
     std::error_code sizeError;
     const std::uintmax_t size =
         fromFile ? std::filesystem::file_size(options.requestsPath, sizeError) : 0;
     if (fromFile && !sizeError && ::isatty(STDERR_FILENO) == 1) {
         progress.emplace(size);
-        pipeline.showProgressOn(&*progress);
     }
-    std::string readError;
-    {
-        Workers workers(pipeline);
-        for (unsigned i = 0; i < jobs; ++i) {
-            workers.start(core.get(), options.format);
-        }
-        readError = feedLines(input, options, pipeline);
-        pipeline.close();
-        workers.joinAll();
-    }
-    pipeline.rethrowFailure();
+    ProgressBar* const bar = progress ? &*progress : nullptr;
+    std::size_t malformed = 0;
+    const std::string readError = jobs == 1
+                                      ? answerInTurn(input, options, core.get(), bar, malformed)
+                                      : answerByWorkers(input, options, core.get(), bar, malformed);
     std::fflush(answerStream());
-    const std::size_t malformed = pipeline.malformedLines();
     if (progress) {
         progress->finish(jobs, malformed);
     }

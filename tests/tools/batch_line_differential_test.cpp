@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <fstream>
+#include <initializer_list>
 #include <random>
 #include <sstream>
 #include <string>
@@ -350,6 +351,163 @@ TEST(BatchLineDifferential, TheLinesTextAnswersAsTheTreesText) {
     // The generated lines reach the library often enough to mean something.
     EXPECT_GT(requests, 2000U);
     EXPECT_GT(beyondDouble, 0U);
+}
+
+std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts) {
+        text += part;
+    }
+    return text;
+}
+
+// Lines at the edges of what is scanned without RapidJSON's reader and what is
+// left to it: numbers, escapes, nesting, names and kinds written with escapes,
+// and what may stand around the root.
+std::vector<std::string> edgeLines() {
+    const std::string request = R"({"objectType": "Part", "initialAttributes": {"name": "a"}})";
+    const auto withRequest = [&](const std::string& before, const std::string& after) {
+        return before + request + after;
+    };
+    std::vector<std::string> lines = {
+        withRequest(R"({"kind":"edit","request":)", "}"),
+        withRequest(R"(  {"kind" : "edit" , "request" : )", " }  "),
+        withRequest(R"({"kind":"edit","request":)", "} x"),
+        withRequest(R"({"kind":"edit","request":)", "},"),
+        withRequest(R"({"kind":"edit","request":)", ""),
+        withRequest(R"({"kind":"edit","request":)", "}}"),
+        withRequest(R"({"\u006bind":"edit","request":)", "}"),
+        withRequest(R"({"kind":"\u0065dit","request":)", "}"),
+        withRequest(R"({"kind":"edit","kind":"link","request":)", "}"),
+        withRequest(R"({"kind":"edit","request":)", R"(,"request":[]})"),
+        withRequest(R"({"kind":"edit","req\u0075est":[],"request":)", "}"),
+        withRequest(R"({"kind":"edit","request":)", R"(,"kind":"link"})"),
+        withRequest(R"({"kind":"edit",,"request":)", "}"),
+        withRequest(R"({"kind":"edit","request":)", R"(,})"),
+        withRequest(R"({"kind":"edit","request" )", "}"),
+        withRequest(R"({"kind":"edit" "request":)", "}"),
+        withRequest(R"({kind:"edit","request":)", "}"),
+        "{}",
+        "[]",
+        "{",
+        "\"kind\"",
+        R"({"kind":"edit","request":{}})",
+        R"({"kind":"edit","request":[]})",
+        R"({"kind":"edit","request":"{}"})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":[]},"id":{}})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":[1,]}})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":[,1]}})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":{"a":1,}}})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":[1 2]}})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":[1}}})",
+        R"({"kind":"edit","request":{"objectType":"Part","x":{"a"}}}})",
+    };
+    const std::vector<std::string> values = {
+        "0",
+        "-0",
+        "7",
+        "-7",
+        "0.5",
+        "-0.5",
+        "1.",
+        ".5",
+        "-",
+        "--1",
+        "01",
+        "-01",
+        "1e",
+        "1e+",
+        "1E+5",
+        "1e-5",
+        "1e99",
+        "1e100",
+        "1e-99",
+        "1e-100",
+        "1.5e308",
+        "1e309",
+        "123456789012345678",
+        "1234567890123456789",
+        "-123456789012345678.25e-99",
+        "0.00000000000000000000000000000000000001",
+        "truex",
+        "tru",
+        "true",
+        "false",
+        "fals",
+        "null",
+        "nul",
+        "nullnull",
+        "1true",
+        "\"\"",
+        "\"a\\\"b\"",
+        "\"a\\\\\"",
+        "\"\\/\\b\\f\\n\\r\\t\"",
+        "\"\\u00e9\"",
+        "\"\\u00E9\"",
+        "\"\\uD83D\\uDE00\"",
+        "\"\\uD800\"",
+        "\"\\uDC00\"",
+        "\"\\uD800\\u0041\"",
+        "\"\\u12G4\"",
+        "\"\\u12\"",
+        "\"\\x\"",
+        "\"\\\"",
+        "\"a\tb\"",
+        "\"a\nb\"",
+        "\"\xc3\xa9\"",
+        "\"\xff\xfe\"",
+        "\"unterminated",
+        "\"a\"b\"",
+        std::string("\"a\0b\"", 5),
+        "[1, 2 , [ ] ,{ }]",
+        "{\"\":1}",
+    };
+    for (const std::string& value : values) {
+        lines.push_back(
+            joined({R"({"kind":"edit","request":{"objectType":"Part","x":)", value, "}}"}));
+        lines.push_back(joined({R"({"id":)", value, R"(,"kind":"edit","request":)", request, "}"}));
+        lines.push_back(joined({R"({"kind":)", value, R"(,"request":)", request, "}"}));
+        lines.push_back(joined({"{", value, R"(:1,"kind":"edit","request":)", request, "}"}));
+    }
+    for (const std::size_t depth : {62, 63, 64, 65, 200}) {
+        lines.push_back(joined(
+            {R"({"kind":"edit","request":{"objectType":"Part","x":)", nested(depth, "1"), "}}"}));
+        lines.push_back(
+            joined({R"({"id":)", nested(depth, "{}"), R"(,"kind":"edit","request":{}})"}));
+        lines.push_back(joined({R"({"kind":"edit","request":)", nested(depth, ""), "}"}));
+    }
+    lines.push_back(std::string(R"({"kind":"edit","request":{}})") + '\0' + "x");
+    lines.push_back(std::string(R"({"kind":"edit",)") + '\0' + R"("request":{}})");
+    lines.emplace_back(
+        "\xef\xbb\xbf"
+        R"({"kind":"edit","request":{}})");
+    lines.emplace_back(R"({"kind":"edit","request":{"objectType":"Part"}})"
+                       "\t\r\n ");
+    return lines;
+}
+
+TEST(BatchLineDifferential, LinesAtTheEdgesOfTheQuickScanAnswerAsTheTree) {
+    const tovcli::RequestJudge judge = tovcli::judgeWithCoreData(&exampleCoreData());
+    std::size_t lineNumber = 0;
+    std::size_t requests = 0;
+    std::size_t refused = 0;
+    for (const std::string& line : edgeLines()) {
+        ++lineNumber;
+        if (tovcli::holdsNumberBeyondDouble(line)) {
+            continue;
+        }
+        for (const OutputFormat format : {OutputFormat::kText, OutputFormat::kJson}) {
+            const tovcli::BatchAnswer tree =
+                tovcli::answerBatchLineFromTree(line, lineNumber, judge, format);
+            const tovcli::BatchAnswer text =
+                tovcli::answerBatchLine(line, lineNumber, judge, format);
+            ASSERT_EQ(text.text, tree.text) << "line: " << line.substr(0, 400);
+            ASSERT_EQ(text.wasRequest, tree.wasRequest) << "line: " << line.substr(0, 400);
+            (tree.wasRequest ? requests : refused) += 1;
+        }
+    }
+    EXPECT_GT(requests, 100U);
+    EXPECT_GT(refused, 100U);
 }
 
 // A number beyond a double's range reads as infinity, which no writer writes
