@@ -30,6 +30,15 @@ protected:
 private:
     // The internal steps that build and write rapidjson documents.
     friend class TOVJsonDocumentWriter;
+
+    // `map` as a copy of it with `name` set to `value` would be written,
+    // without the copy: a response's map and its "Result".
+    std::string createJsonFromStringStringMapWith(const std::map<std::string, std::string>& map,
+                                                  const std::string& name,
+                                                  const std::string& value) const;
+    // The members of `map` in key order, and the extra entry when given.
+    static std::string writeFlatObject(const std::map<std::string, std::string>& map,
+                                       const std::string* extraName, const std::string* extraValue);
 };
 
 // Each function below returns 1 when it composed `json` and 0, leaving `json`

@@ -113,6 +113,9 @@ public:
     std::string createVemoInfoMessage() const;
 
 private:
+    // Writes the map with "Result" without copying it.
+    friend class TOVJsonComposer;
+
     bool getMissingDataReportedForProperEvaluation(TOVMissingDataForEvaluation& data) const;
     std::string getGeneralResultCommentForVemoInfo() const;
 

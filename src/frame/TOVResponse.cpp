@@ -182,7 +182,11 @@ std::map<std::string, std::string> TOVResponse::getStringStringMapResponseWithGe
 // A member of the composer, defined beside the record it reads so that the JSON
 // layer below knows nothing of responses.
 std::string TOVJsonComposer::createJsonResponseFromClass(const TOVResponse* response) const {
-    return createJsonFromStringStringMap(response->getStringStringMapResponseWithGeneralResult());
+    // What getStringStringMapResponseWithGeneralResult holds, written without
+    // copying the map: every answer of every door goes out this way.
+    static const std::string kResultKeyword = TOVResponse::getKeywordOfGeneralResult();
+    return createJsonFromStringStringMapWith(response->comments, kResultKeyword,
+                                             response->getStringValueOfGeneralResult());
 }
 
 std::string TOVResponse::turnResponseIntoASingleString() const {

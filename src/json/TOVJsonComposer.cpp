@@ -50,6 +50,18 @@ bool isAlreadySimple(const std::string& text) {
 // document kept them both.
 std::string TOVJsonComposer::createJsonFromStringStringMap(
     const std::map<std::string, std::string>& map) const {
+    return writeFlatObject(map, nullptr, nullptr);
+}
+
+std::string TOVJsonComposer::createJsonFromStringStringMapWith(
+    const std::map<std::string, std::string>& map, const std::string& name,
+    const std::string& value) const {
+    return writeFlatObject(map, &name, &value);
+}
+
+std::string TOVJsonComposer::writeFlatObject(const std::map<std::string, std::string>& map,
+                                             const std::string* extraName,
+                                             const std::string* extraValue) {
     tovjson::StringBuffer buffer;
     tovjson::Writer writer(buffer);
     // `text` itself when it is already simple, else its sanitized form in `copy`.
@@ -61,16 +73,32 @@ std::string TOVJsonComposer::createJsonFromStringStringMap(
         copy = getSanitizedStringForJsonDoc(text);
         return copy;
     };
-    writer.StartObject();
-    for (const auto& entry : map) {
+    const auto writeMember = [&](const std::string& rawName, const std::string& rawValue) {
         // A copy only where sanitizing changes the text.
         std::string nameCopy;
         std::string valueCopy;
-        const std::string& name = sanitizedOrSelf(entry.first, nameCopy);
-        const std::string& value = sanitizedOrSelf(entry.second, valueCopy);
+        const std::string& name = sanitizedOrSelf(rawName, nameCopy);
+        const std::string& value = sanitizedOrSelf(rawValue, valueCopy);
         // Up to the first NUL, as a string value of the document was made.
         writer.Key(name.c_str(), static_cast<rapidjson::SizeType>(std::strlen(name.c_str())));
         writer.String(value.c_str(), static_cast<rapidjson::SizeType>(std::strlen(value.c_str())));
+    };
+    writer.StartObject();
+    // The extra entry goes where the map's order puts it, over an entry of
+    // its name, as in a copy of the map that it was set in.
+    bool extraWritten = extraName == nullptr;
+    for (const auto& entry : map) {
+        if (!extraWritten && !(entry.first < *extraName)) {
+            writeMember(*extraName, *extraValue);
+            extraWritten = true;
+            if (entry.first == *extraName) {
+                continue;
+            }
+        }
+        writeMember(entry.first, entry.second);
+    }
+    if (!extraWritten) {
+        writeMember(*extraName, *extraValue);
     }
     writer.EndObject();
     return std::string(buffer.GetString(), buffer.GetSize());

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/TOVResponseJsonParser.h"
+#include "tov/TOVJsonComposer.h"
 #include "tov/TOVResponse.h"
 #include "tov/vocabulary.h"
 
@@ -66,6 +67,32 @@ TEST(ResponseFormsMaps, ResultKeywordInTheMapIsOverwrittenInTheForms) {
 }
 
 // --- Single string ---
+
+// The single string is the map with the result, written: its keys in their
+// order around "Result" wherever it falls, a keyword "Result" overwritten,
+// names and values sanitized, whatever the keywords hold.
+TEST(ResponseFormsSingleString, IsTheMapWithTheResultWritten) {
+    const std::vector<StringMap> keywordSets = {
+        {},
+        {{"A", "1"}},
+        {{"Result", "bogus"}},
+        {{"Resul", "x"}, {"Result ", "y"}, {"ResultA", "z"}, {"Res", "w"}},
+        {{"  spaced  key ", " a\tvalue  with  runs "}, {"zzz", ""}, {"Result", ""}},
+        {{"\xC3\xA9", "\x01\x7F"}, {"quote\"", "back\\slash"}, {"Z", "last"}},
+    };
+    for (const StringMap& keywords : keywordSets) {
+        for (const bool result : {false, true}) {
+            TOVResponse response;
+            response.setGeneralResult(result);
+            for (const auto& [keyword, value] : keywords) {
+                response.setCommentUnderKeyword(keyword, value);
+            }
+            EXPECT_EQ(response.turnResponseIntoASingleString(),
+                      turnStringStringMapIntoJsonString(
+                          response.getStringStringMapResponseWithGeneralResult()));
+        }
+    }
+}
 
 TEST(ResponseFormsSingleString, NewResponse) {
     const TOVResponse response;
