@@ -77,15 +77,16 @@ def describe(jobs, lines):
     return "tov batch --jobs %d over %s lines" % (jobs, "{:,}".format(lines))
 
 
-def run_batch(tov, folder, requests, jobs, lines, out=None):
-    """Runs tov batch once; (CPU seconds, wall seconds) of the child. Its
-    answers go to the file `out`, or to /dev/null."""
+def run_batch(tov, folder, requests, jobs, lines, out=None, environment=None):
+    """Runs tov batch once, in `environment` when given; (CPU seconds, wall
+    seconds) of the child. Its answers go to the file `out`, or to /dev/null."""
     with open(out or os.devnull, "w", encoding="utf-8") as answers:
         before = resource.getrusage(resource.RUSAGE_CHILDREN)
         start = time.perf_counter()
         finished = subprocess.run(batch_command(tov, folder, requests, jobs),
                                   stdin=subprocess.DEVNULL, stdout=answers,
-                                  stderr=subprocess.PIPE, universal_newlines=True)
+                                  stderr=subprocess.PIPE, universal_newlines=True,
+                                  env=environment)
         wall = time.perf_counter() - start
         after = resource.getrusage(resource.RUSAGE_CHILDREN)
     if finished.returncode != 0:
@@ -111,9 +112,10 @@ def approved_answer(tov, folder):
     return answer
 
 
-def measure(build, folder, lines, repetitions):
+def measure(build, folder, lines, repetitions, environment=None):
     """Writes the workload into `folder`, checks the answers and times the
-    runs; the summary of the measure."""
+    runs, each in `environment` when given (that of the benchmark it is held
+    against); the summary of the measure."""
     load = os.getloadavg()[0]
     tov = os.path.join(build, "tools", "tov")
     if not os.access(tov, os.X_OK):
@@ -138,7 +140,8 @@ def measure(build, folder, lines, repetitions):
     runs = {kind: [] for kind in kinds}
     for _ in range(repetitions):
         for jobs, count in kinds:
-            runs[(jobs, count)].append(run_batch(tov, folder, files[count], jobs, count))
+            runs[(jobs, count)].append(run_batch(tov, folder, files[count], jobs, count,
+                                                 environment=environment))
     return summary(lines, [cpu for cpu, _ in runs[(1, lines)]],
                    [cpu for cpu, _ in runs[(1, 2 * lines)]],
                    [wall for _, wall in runs[(1, 2 * lines)]],

@@ -1,6 +1,5 @@
 #include "tov/TOVJsonComposer.h"
 
-#include <cctype>
 #include <cstring>
 
 #include "json/TOVJsonDocumentWriter.h"
@@ -8,8 +7,11 @@
 
 namespace {
 
+// What isspace accepts in the default locale: blank, tab, line feed, vertical
+// tab, form feed, carriage return. Asked of every byte of every answer, so
+// without a call into the C library, and whatever locale a host has set.
 bool isWhiteSpace(char byte) {
-    return std::isspace(static_cast<unsigned char>(byte)) != 0;
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
 }
 
 // A JSON string value copied into the document, up to the text's first NUL.

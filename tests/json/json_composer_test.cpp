@@ -74,6 +74,21 @@ TEST(JsonComposerWhiteSpace, OtherControlCharactersAreNoWhiteSpace) {
     EXPECT_EQ(simplified(std::string("a\0b", 3)), std::string("a\0b", 3));
 }
 
+TEST(JsonComposerWhiteSpace, WhiteSpaceIsTheSixOfTheDefaultLocaleAndNoOtherByte) {
+    const std::string whiteSpace = " \t\n\v\f\r";
+    for (int byte = 1; byte < 256; ++byte) {
+        const char c = static_cast<char>(byte);
+        const bool isWhite = whiteSpace.find(c) != std::string::npos;
+        // Inside a value, at its ends and in a response's single string alike.
+        EXPECT_EQ(simplified(std::string("a") + c + "b"),
+                  isWhite ? "a b" : std::string("a") + c + "b")
+            << "byte " << byte;
+        EXPECT_EQ(simplified(std::string(1, c) + "x" + c),
+                  isWhite ? "x" : std::string(1, c) + "x" + c)
+            << "byte " << byte;
+    }
+}
+
 TEST(JsonComposerWhiteSpace, SanitizedStringIsACopy) {
     const std::string original = " a  b ";
     EXPECT_EQ(ExposedComposer::getSanitizedStringForJsonDoc(original), "a b");
