@@ -784,7 +784,14 @@ class BatchCommand(ProgramTest):
                 self.assertEqual(result.stderr, "")
 
     def test_each_answer_comes_out_before_the_next_line_is_read(self):
-        process = subprocess.Popen([TOV, "batch", *self.documents(), "--jobs", "2"],
+        # One job answers on the reading thread and writes in blocks; more
+        # hand lines to workers: either way an answer waits for no later line.
+        for jobs in ("1", "2"):
+            with self.subTest(jobs=jobs):
+                self.expect_answers_line_by_line(jobs)
+
+    def expect_answers_line_by_line(self, jobs):
+        process = subprocess.Popen([TOV, "batch", *self.documents(), "--jobs", jobs],
                                    cwd=self.folder, stdin=subprocess.PIPE,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         # A program that held its answers back would leave the reads below
