@@ -1,6 +1,5 @@
 #include "json/TOVJsonParser.h"
 
-#include <cstring>
 #include <fstream>
 #include <tuple>
 #include <utility>
@@ -13,14 +12,6 @@
 namespace {
 const char* const kFundamentalParsingError = "Json has fundamental parsing error";
 
-// A string value is read up to its first zero byte, as a C string would be:
-// the rules and requests never meant one inside a name or a value.
-std::size_t textLengthUpToZeroByte(const tovjson::Value& text) {
-    const char* const begin = text.GetString();
-    const void* const zero = std::memchr(begin, '\0', text.GetStringLength());
-    return zero == nullptr ? text.GetStringLength()
-                           : static_cast<std::size_t>(static_cast<const char*>(zero) - begin);
-}
 }  // namespace
 
 TOVJsonParser::TOVJsonParser() : parsingResult(true) {}
@@ -127,7 +118,7 @@ bool TOVJsonParser::collectStringFromValue(const tovjson::Value& value, std::str
     if (!value.IsString()) {
         return false;
     }
-    out.assign(value.GetString(), textLengthUpToZeroByte(value));  // on purpose, see there
+    out.assign(value.GetString(), lengthUpToZeroByte(value.GetString(), value.GetStringLength()));
     return true;
 }
 
@@ -156,7 +147,8 @@ bool TOVJsonParser::collectStringsFromArray(const tovjson::Value& value,
         if (!element.IsString()) {
             return false;
         }
-        out.emplace_back(element.GetString(), textLengthUpToZeroByte(element));
+        out.emplace_back(element.GetString(),
+                         lengthUpToZeroByte(element.GetString(), element.GetStringLength()));
     }
     return true;
 }

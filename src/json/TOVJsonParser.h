@@ -65,11 +65,25 @@ protected:
     // passes for a keyword.
     static std::string getMemberName(const tovjson::Value& name);
     // Whether a member's name, whole, is `keyword`: what comparing
-    // getMemberName to it says, without building the string.
+    // getMemberName to it says, without building the string. In line, so
+    // that a constant keyword's length is known when compiling: rule readers
+    // ask it of every member of a large document.
+    static bool isMemberNamed(const char* name, std::size_t length, const char* keyword) {
+        return length == std::char_traits<char>::length(keyword) &&
+               std::char_traits<char>::compare(name, keyword, length) == 0;
+    }
     static bool isMemberNamed(const tovjson::Value& name, const char* keyword) {
-        const std::size_t length = std::char_traits<char>::length(keyword);
-        return name.GetStringLength() == length &&
-               std::char_traits<char>::compare(name.GetString(), keyword, length) == 0;
+        return isMemberNamed(name.GetString(), name.GetStringLength(), keyword);
+    }
+    // How much of a string value is read: up to its first zero byte, as a C
+    // string would be. Values are a few bytes long, so searched in line.
+    static std::size_t lengthUpToZeroByte(const char* text, std::size_t length) {
+        for (std::size_t i = 0; i < length; ++i) {
+            if (text[i] == '\0') {
+                return i;
+            }
+        }
+        return length;
     }
     bool collectStringsFromArray(const tovjson::Value& value, std::vector<std::string>& out);
     // Inserts every string member; stops with false at the first member that is

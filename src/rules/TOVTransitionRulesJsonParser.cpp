@@ -1,6 +1,5 @@
 #include "rules/TOVTransitionRulesJsonParser.h"
 
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -15,33 +14,6 @@ using rulekinds::kAllowReverse;
 using rulekinds::kAttribute;
 using rulekinds::kFromValue;
 using rulekinds::kToValue;
-
-// Names and values of rules are a few bytes long: compared and searched in
-// line, they cost less than the calls into the C library that did it for
-// each of the hundreds of thousands of members in a large document.
-
-// A keyword with its length known when compiling, so that a comparison with
-// it is a length test and a compare of a known size.
-struct Keyword {
-    constexpr explicit Keyword(const char* text)
-        : text(text), length(std::char_traits<char>::length(text)) {}
-    const char* text;
-    std::size_t length;
-};
-
-bool isNamed(const char* name, std::size_t length, const Keyword& keyword) {
-    return length == keyword.length && std::memcmp(name, keyword.text, keyword.length) == 0;
-}
-
-// A value is read up to its first zero byte, as a C string would be.
-std::size_t lengthUpToZeroByte(const char* text, std::size_t length) {
-    for (std::size_t i = 0; i < length; ++i) {
-        if (text[i] == '\0') {
-            return i;
-        }
-    }
-    return length;
-}
 
 }  // namespace
 
@@ -92,21 +64,16 @@ void TOVTransitionRulesJsonParser::RuleEvents::key(const char* name, std::size_t
     }
     // Names are compared where they lie: a rule is read for every one of a
     // large document, and the name is needed as text only for a fault.
-    static constexpr Keyword attributeName(kAttribute);
-    static constexpr Keyword fromValueName(kFromValue);
-    static constexpr Keyword toValueName(kToValue);
-    static constexpr Keyword allowJumpsName(kAllowJumps);
-    static constexpr Keyword allowReverseName(kAllowReverse);
     member = Member::kOther;
-    if (isNamed(name, length, attributeName)) {
+    if (isMemberNamed(name, length, kAttribute)) {
         member = Member::kAttribute;
-    } else if (isNamed(name, length, fromValueName)) {
+    } else if (isMemberNamed(name, length, kFromValue)) {
         member = Member::kFromValue;
-    } else if (isNamed(name, length, toValueName)) {
+    } else if (isMemberNamed(name, length, kToValue)) {
         member = Member::kToValue;
-    } else if (isNamed(name, length, allowJumpsName)) {
+    } else if (isMemberNamed(name, length, kAllowJumps)) {
         parser.notice("We do not support the allowJumps keyword in the Transition Rule.\n");
-    } else if (isNamed(name, length, allowReverseName)) {
+    } else if (isMemberNamed(name, length, kAllowReverse)) {
         parser.notice("We do not support the allowReverse keyword in the Transition Rule.");
     }
 }
