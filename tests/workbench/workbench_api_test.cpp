@@ -35,15 +35,7 @@ protected:
         std::vector<std::pair<const char*, std::string>> members = {
             {"rules", exampleRules()}, {"datamodel", exampleDataModel()}};
         members.insert(members.end(), more.begin(), more.end());
-        tovjson::StringBuffer buffer;
-        tovcli::JsonWriter writer(buffer);
-        writer.StartObject();
-        for (const auto& [name, value] : members) {
-            writer.Key(name);
-            tovcli::writeString(writer, value);
-        }
-        writer.EndObject();
-        return {buffer.GetString(), buffer.GetSize()};
+        return body(members);
     }
 
     std::unique_ptr<tovwb::Workspace> workspace;

@@ -9,6 +9,8 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "diagram_renderer.h"
 #include "json/json_types.h"
@@ -48,7 +50,7 @@ inline std::string expectedLine(const std::string& name) {
 }
 
 // A JSON object of strings, as the page writes its bodies.
-inline std::string body(std::initializer_list<std::pair<const char*, std::string>> members) {
+inline std::string body(const std::vector<std::pair<const char*, std::string>>& members) {
     tovjson::StringBuffer buffer;
     tovcli::JsonWriter writer(buffer);
     writer.StartObject();
